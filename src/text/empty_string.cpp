@@ -1,0 +1,3 @@
+#include "empty_string.h"
+
+KVTString mEmptyString("", KVTString::KVTCharEncodingUTF8);

@@ -1,0 +1,84 @@
+/// Interposers: functions of libc and the allocator that the library calls,
+/// redirected for as long as a test wants it.
+///
+/// A test program that links kvt_test_hooks defines these functions itself, so
+/// the dynamic linker gives its definitions to the library.  Each looks at its
+/// hook: while one is set, it answers; otherwise the real function does.
+
+#ifndef KVT_TESTS_HOOKS_H
+#define KVT_TESTS_HOOKS_H
+
+#include <dirent.h>
+#include <netdb.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <time.h>
+
+#include <cstddef>
+#include <functional>
+#include <utility>
+
+namespace hooks {
+
+extern std::function<int(const char* source, const char* target,
+                         const char* type, unsigned long flags,
+                         const void* data)>
+    onMount;
+extern std::function<int(const char* target, int flags)> onUmount2;
+extern std::function<unsigned(unsigned seconds)> onSleep;
+extern std::function<int(const char* node, const char* service,
+                         const addrinfo* hints, addrinfo** result)>
+    onGetaddrinfo;
+extern std::function<FILE*(const char* path, const char* mode)> onFopen;
+extern std::function<int(const char* path, struct stat* status)> onStat;
+extern std::function<int(const char* path, mode_t mode)> onMkdir;
+extern std::function<dirent*(DIR* directory)> onReaddir;
+extern std::function<time_t(time_t* out)> onTime;
+extern std::function<int(const char* command)> onSystem;
+extern std::function<char*(const char* text)> onStrdup;
+
+/// The functions behind the hooks.
+FILE* RealFopen(const char* path, const char* mode);
+int RealStat(const char* path, struct stat* status);
+int RealMkdir(const char* path, mode_t mode);
+dirent* RealReaddir(DIR* directory);
+int RealGetaddrinfo(const char* node, const char* service,
+                    const addrinfo* hints, addrinfo** result);
+
+/// Sets a hook while the object lives.
+template <class Function>
+class Scoped {
+ public:
+  template <class Replacement>
+  Scoped(Function& hook, Replacement replacement)
+      : mHook(hook), mPrevious(std::move(hook)) {
+    mHook = std::move(replacement);
+  }
+  ~Scoped() { mHook = std::move(mPrevious); }
+  Scoped(const Scoped&) = delete;
+  Scoped& operator=(const Scoped&) = delete;
+
+ private:
+  Function& mHook;
+  Function mPrevious;
+};
+template <class Function, class Replacement>
+Scoped(Function&, Replacement) -> Scoped<Function>;
+
+/// While the object lives, operator new throws std::bad_alloc for a request
+/// once `count` further requests of at least `size` bytes have been granted.
+class FailingAllocator {
+ public:
+  explicit FailingAllocator(std::size_t count, std::size_t size = 0);
+  ~FailingAllocator();
+  FailingAllocator(const FailingAllocator&) = delete;
+  FailingAllocator& operator=(const FailingAllocator&) = delete;
+
+  /// How many requests have been refused so far.
+  std::size_t Refused() const;
+};
+
+}  // namespace hooks
+
+#endif  // KVT_TESTS_HOOKS_H

@@ -1,0 +1,124 @@
+#include <dlfcn.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include "hooks.h"
+
+namespace hooks {
+
+decltype(onMount) onMount;
+decltype(onUmount2) onUmount2;
+decltype(onSleep) onSleep;
+decltype(onGetaddrinfo) onGetaddrinfo;
+decltype(onFopen) onFopen;
+decltype(onStat) onStat;
+decltype(onMkdir) onMkdir;
+decltype(onReaddir) onReaddir;
+decltype(onTime) onTime;
+decltype(onSystem) onSystem;
+decltype(onStrdup) onStrdup;
+
+namespace {
+
+// The next definition of `name` behind this program's own.
+template <class Function>
+Function* Next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+FILE* RealFopen(const char* path, const char* mode) {
+  static const auto real = Next<decltype(fopen)>("fopen");
+  return real(path, mode);
+}
+
+int RealStat(const char* path, struct stat* status) {
+  static const auto real = Next<int(const char*, struct stat*)>("stat");
+  return real(path, status);
+}
+
+int RealMkdir(const char* path, mode_t mode) {
+  static const auto real = Next<decltype(mkdir)>("mkdir");
+  return real(path, mode);
+}
+
+dirent* RealReaddir(DIR* directory) {
+  static const auto real = Next<decltype(readdir)>("readdir");
+  return real(directory);
+}
+
+int RealGetaddrinfo(const char* node, const char* service,
+                    const addrinfo* hints, addrinfo** result) {
+  static const auto real = Next<decltype(getaddrinfo)>("getaddrinfo");
+  return real(node, service, hints, result);
+}
+
+}  // namespace hooks
+
+extern "C" {
+
+int mount(const char* source, const char* target, const char* type,
+          unsigned long flags, const void* data) noexcept {
+  if (hooks::onMount) {
+    return hooks::onMount(source, target, type, flags, data);
+  }
+  return hooks::Next<int(const char*, const char*, const char*, unsigned long,
+                         const void*)>("mount")(source, target, type, flags,
+                                                data);
+}
+
+int umount2(const char* target, int flags) noexcept {
+  if (hooks::onUmount2) return hooks::onUmount2(target, flags);
+  return hooks::Next<int(const char*, int)>("umount2")(target, flags);
+}
+
+unsigned sleep(unsigned seconds) {
+  if (hooks::onSleep) return hooks::onSleep(seconds);
+  return hooks::Next<unsigned(unsigned)>("sleep")(seconds);
+}
+
+int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
+                addrinfo** result) {
+  if (hooks::onGetaddrinfo) {
+    return hooks::onGetaddrinfo(node, service, hints, result);
+  }
+  return hooks::RealGetaddrinfo(node, service, hints, result);
+}
+
+FILE* fopen(const char* path, const char* mode) {
+  if (hooks::onFopen) return hooks::onFopen(path, mode);
+  return hooks::RealFopen(path, mode);
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+  if (hooks::onStat) return hooks::onStat(path, status);
+  return hooks::RealStat(path, status);
+}
+
+int mkdir(const char* path, mode_t mode) noexcept {
+  if (hooks::onMkdir) return hooks::onMkdir(path, mode);
+  return hooks::RealMkdir(path, mode);
+}
+
+dirent* readdir(DIR* directory) {
+  if (hooks::onReaddir) return hooks::onReaddir(directory);
+  return hooks::RealReaddir(directory);
+}
+
+time_t time(time_t* out) noexcept {
+  if (hooks::onTime) return hooks::onTime(out);
+  return hooks::Next<time_t(time_t*)>("time")(out);
+}
+
+int system(const char* command) {
+  if (hooks::onSystem) return hooks::onSystem(command);
+  return hooks::Next<int(const char*)>("system")(command);
+}
+
+char* strdup(const char* text) noexcept {
+  if (hooks::onStrdup) return hooks::onStrdup(text);
+  return hooks::Next<char*(const char*)>("strdup")(text);
+}
+
+}  // extern "C"
