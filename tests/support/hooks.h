@@ -37,6 +37,11 @@ extern std::function<dirent*(DIR* directory)> onReaddir;
 extern std::function<time_t(time_t* out)> onTime;
 extern std::function<int(const char* command)> onSystem;
 extern std::function<char*(const char* text)> onStrdup;
+extern std::function<int(int character)> onToupper;
+extern std::function<int(int character)> onTolower;
+extern std::function<size_t(char* out, size_t size, const char* format,
+                            const tm* fields)>
+    onStrftime;
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);

@@ -17,6 +17,9 @@ decltype(onReaddir) onReaddir;
 decltype(onTime) onTime;
 decltype(onSystem) onSystem;
 decltype(onStrdup) onStrdup;
+decltype(onToupper) onToupper;
+decltype(onTolower) onTolower;
+decltype(onStrftime) onStrftime;
 
 namespace {
 
@@ -119,6 +122,25 @@ int system(const char* command) {
 char* strdup(const char* text) noexcept {
   if (hooks::onStrdup) return hooks::onStrdup(text);
   return hooks::Next<char*(const char*)>("strdup")(text);
+}
+
+int toupper(int character) noexcept {
+  if (hooks::onToupper) return hooks::onToupper(character);
+  static const auto real = hooks::Next<int(int)>("toupper");
+  return real(character);
+}
+
+int tolower(int character) noexcept {
+  if (hooks::onTolower) return hooks::onTolower(character);
+  static const auto real = hooks::Next<int(int)>("tolower");
+  return real(character);
+}
+
+size_t strftime(char* out, size_t size, const char* format,
+                const tm* fields) noexcept {
+  if (hooks::onStrftime) return hooks::onStrftime(out, size, format, fields);
+  return hooks::Next<size_t(char*, size_t, const char*, const tm*)>("strftime")(
+      out, size, format, fields);
 }
 
 }  // extern "C"
