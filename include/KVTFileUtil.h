@@ -107,7 +107,15 @@ class KVT_EXPORT KVTFileUtil {
 
   /// @name Identifiers
   /// @{
+
+  /// Tells whether `text` has 36 units: hexadecimal digits of either case, with
+  /// dashes at positions 8, 13, 18 and 23.  No other form passes, with braces or
+  /// without dashes.  Callers rely on only the low byte of each unit being
+  /// looked at: 0x0141 passes for the letter A.
   static bool isGUIDValid(KVTString text);
+
+  /// Returns `prefix` followed directly by the 36 characters of a fresh UUID,
+  /// made by uuid_generate(3) and written by uuid_unparse(3).
   static KVTString GetUUID(KVTString prefix);
   /// @}
 };

@@ -149,16 +149,33 @@ KVTString KVTString::TrimChars(char c) const {
   return KVTString(text.substr(first, last - first + 1));
 }
 
+// Gives what replacing the first match and searching again from the front gives,
+// in one pass.  All matches have one length, so the first to begin is the first
+// to end: units move from the unread text to `done`, which never holds a match,
+// and when `done` ends in `from`, that end gives way to `to`, put in front of
+// what is still to be read.  Text made by one replacement can so match again.
 KVTString& KVTString::ReplaceAll(const KVTString& from, const KVTString& to) {
   if (from.empty() || from == to) return *this;
   std::size_t position = find(from);
-  while (position != npos) {
-    replace(position, from.size(), to);
-    // The text in front held no match, so the first match now, as a search from
-    // the front would find it, reaches into the replacement at least.
-    const std::size_t reach = from.size() - 1;
-    position = find(from, position > reach ? position - reach : 0);
+  if (position == npos) return *this;
+
+  const std::size_t kept = from.size() - 1;
+  Units done(*this, 0, position);
+  Units pushedBack;  // last unit first
+  while (position < size() || !pushedBack.empty()) {
+    if (pushedBack.empty()) {
+      done += (*this)[position++];
+    } else {
+      done += pushedBack.back();
+      pushedBack.pop_back();
+    }
+    if (done.back() != from[kept] || done.size() <= kept) continue;
+    const std::size_t start = done.size() - from.size();
+    if (done.compare(start, from.size(), from) != 0) continue;
+    done.resize(start);
+    pushedBack.append(to.rbegin(), to.rend());
   }
+  swap(done);
   return *this;
 }
 
