@@ -1,5 +1,7 @@
 #include <cstdlib>
+#include <cstring>
 #include <new>
+#include <vector>
 
 #include "hooks.h"
 
@@ -9,6 +11,14 @@ bool active = false;
 std::size_t granted;
 std::size_t smallest;
 std::size_t refused;
+std::size_t lastRefused;
+
+// Set while a WatchedArrays lives.
+bool watching = false;
+std::size_t watchedSlack;
+// Their own memory comes from operator new, which is not watched.
+std::vector<hooks::WatchedArrays::Block> watchedBlocks;
+std::vector<void*> watchedReleases;
 
 bool Refuse(std::size_t size) {
   if (!active || size < smallest) return false;
@@ -17,6 +27,7 @@ bool Refuse(std::size_t size) {
     return false;
   }
   ++refused;
+  lastRefused = size;
   return true;
 }
 
@@ -24,6 +35,23 @@ void* Allocate(std::size_t size) {
   void* const block = Refuse(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) throw std::bad_alloc();
   return block;
+}
+
+void* AllocateArray(std::size_t size) {
+  if (!watching) return Allocate(size);
+  void* const block = Allocate(size + watchedSlack);
+  std::memset(block, 0xA5, size);
+  std::memset(static_cast<unsigned char*>(block) + size, 0, watchedSlack);
+  watchedBlocks.push_back({static_cast<unsigned char*>(block), size});
+  return block;
+}
+
+void ReleaseArray(void* block) {
+  if (!watching) {
+    std::free(block);
+  } else if (block != nullptr) {
+    watchedReleases.push_back(block);
+  }
 }
 
 }  // namespace
@@ -34,6 +62,7 @@ FailingAllocator::FailingAllocator(std::size_t count, std::size_t size) {
   granted = count;
   smallest = size;
   refused = 0;
+  lastRefused = 0;
   active = true;
 }
 
@@ -41,11 +70,35 @@ FailingAllocator::~FailingAllocator() { active = false; }
 
 std::size_t FailingAllocator::Refused() const { return refused; }
 
+std::size_t FailingAllocator::LastRefused() const { return lastRefused; }
+
+WatchedArrays::WatchedArrays(std::size_t slack) {
+  watchedSlack = slack;
+  watching = true;
+}
+
+WatchedArrays::~WatchedArrays() {
+  watching = false;
+  for (const Block& block : watchedBlocks) std::free(block.start);
+  watchedBlocks.clear();
+  watchedReleases.clear();
+}
+
+const std::vector<WatchedArrays::Block>& WatchedArrays::Blocks() const {
+  return watchedBlocks;
+}
+
+const std::vector<void*>& WatchedArrays::Released() const {
+  return watchedReleases;
+}
+
 }  // namespace hooks
 
 void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return AllocateArray(size); }
 void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { ReleaseArray(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept {
+  ReleaseArray(block);
+}

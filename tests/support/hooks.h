@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <functional>
 #include <utility>
+#include <vector>
 
 namespace hooks {
 
@@ -31,6 +32,8 @@ extern std::function<int(const char* node, const char* service,
                          const addrinfo* hints, addrinfo** result)>
     onGetaddrinfo;
 extern std::function<FILE*(const char* path, const char* mode)> onFopen;
+extern std::function<long(FILE* stream)> onFtell;
+extern std::function<int(FILE* stream, long offset, int where)> onFseek;
 extern std::function<int(const char* path, struct stat* status)> onStat;
 extern std::function<int(const char* path, mode_t mode)> onMkdir;
 extern std::function<dirent*(DIR* directory)> onReaddir;
@@ -45,6 +48,8 @@ extern std::function<size_t(char* out, size_t size, const char* format,
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);
+long RealFtell(FILE* stream);
+int RealFseek(FILE* stream, long offset, int where);
 int RealStat(const char* path, struct stat* status);
 int RealMkdir(const char* path, mode_t mode);
 dirent* RealReaddir(DIR* directory);
@@ -82,6 +87,31 @@ class FailingAllocator {
 
   /// How many requests have been refused so far.
   std::size_t Refused() const;
+  /// The size of the last one refused, in bytes.
+  std::size_t LastRefused() const;
+};
+
+/// While the object lives, operator new[] keeps a record and gives blocks that
+/// nothing can damage the heap with: behind each are `slack` bytes, zero at
+/// first, that overruns go into, and operator delete[] takes any pointer.  All
+/// blocks stay readable until the object goes; nothing allocated before may be
+/// released, and nothing allocated meanwhile be used, beyond that.
+class WatchedArrays {
+ public:
+  explicit WatchedArrays(std::size_t slack);
+  ~WatchedArrays();
+  WatchedArrays(const WatchedArrays&) = delete;
+  WatchedArrays& operator=(const WatchedArrays&) = delete;
+
+  struct Block {
+    unsigned char* start;
+    std::size_t size;  // as requested
+  };
+
+  /// In the order of the requests.
+  const std::vector<Block>& Blocks() const;
+  /// What operator delete[] was given, null excepted.
+  const std::vector<void*>& Released() const;
 };
 
 }  // namespace hooks

@@ -11,6 +11,8 @@ decltype(onUmount2) onUmount2;
 decltype(onSleep) onSleep;
 decltype(onGetaddrinfo) onGetaddrinfo;
 decltype(onFopen) onFopen;
+decltype(onFtell) onFtell;
+decltype(onFseek) onFseek;
 decltype(onStat) onStat;
 decltype(onMkdir) onMkdir;
 decltype(onReaddir) onReaddir;
@@ -34,6 +36,16 @@ Function* Next(const char* name) {
 FILE* RealFopen(const char* path, const char* mode) {
   static const auto real = Next<decltype(fopen)>("fopen");
   return real(path, mode);
+}
+
+long RealFtell(FILE* stream) {
+  static const auto real = Next<decltype(ftell)>("ftell");
+  return real(stream);
+}
+
+int RealFseek(FILE* stream, long offset, int where) {
+  static const auto real = Next<decltype(fseek)>("fseek");
+  return real(stream, offset, where);
 }
 
 int RealStat(const char* path, struct stat* status) {
@@ -92,6 +104,16 @@ int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
 FILE* fopen(const char* path, const char* mode) {
   if (hooks::onFopen) return hooks::onFopen(path, mode);
   return hooks::RealFopen(path, mode);
+}
+
+long ftell(FILE* stream) {
+  if (hooks::onFtell) return hooks::onFtell(stream);
+  return hooks::RealFtell(stream);
+}
+
+int fseek(FILE* stream, long offset, int where) {
+  if (hooks::onFseek) return hooks::onFseek(stream, offset, where);
+  return hooks::RealFseek(stream, offset, where);
 }
 
 int stat(const char* path, struct stat* status) noexcept {
