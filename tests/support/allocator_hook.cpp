@@ -10,6 +10,7 @@ namespace {
 bool active = false;
 std::size_t granted;
 std::size_t smallest;
+std::size_t limit;
 std::size_t refused;
 std::size_t lastRefused;
 
@@ -21,7 +22,7 @@ std::vector<hooks::WatchedArrays::Block> watchedBlocks;
 std::vector<void*> watchedReleases;
 
 bool Refuse(std::size_t size) {
-  if (!active || size < smallest) return false;
+  if (!active || size < smallest || refused == limit) return false;
   if (granted > 0) {
     --granted;
     return false;
@@ -58,9 +59,11 @@ void ReleaseArray(void* block) {
 
 namespace hooks {
 
-FailingAllocator::FailingAllocator(std::size_t count, std::size_t size) {
+FailingAllocator::FailingAllocator(std::size_t count, std::size_t size,
+                                   std::size_t times) {
   granted = count;
   smallest = size;
+  limit = times;
   refused = 0;
   lastRefused = 0;
   active = true;

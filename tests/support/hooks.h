@@ -45,6 +45,7 @@ extern std::function<int(int character)> onTolower;
 extern std::function<size_t(char* out, size_t size, const char* format,
                             const tm* fields)>
     onStrftime;
+extern std::function<int(int character)> onIsalnum;
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);
@@ -78,9 +79,11 @@ Scoped(Function&, Replacement) -> Scoped<Function>;
 
 /// While the object lives, operator new throws std::bad_alloc for a request
 /// once `count` further requests of at least `size` bytes have been granted.
+/// After `times` refusals it grants everything again.
 class FailingAllocator {
  public:
-  explicit FailingAllocator(std::size_t count, std::size_t size = 0);
+  explicit FailingAllocator(std::size_t count, std::size_t size = 0,
+                            std::size_t times = static_cast<std::size_t>(-1));
   ~FailingAllocator();
   FailingAllocator(const FailingAllocator&) = delete;
   FailingAllocator& operator=(const FailingAllocator&) = delete;

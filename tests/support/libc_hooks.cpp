@@ -22,6 +22,7 @@ decltype(onStrdup) onStrdup;
 decltype(onToupper) onToupper;
 decltype(onTolower) onTolower;
 decltype(onStrftime) onStrftime;
+decltype(onIsalnum) onIsalnum;
 
 namespace {
 
@@ -163,6 +164,12 @@ size_t strftime(char* out, size_t size, const char* format,
   if (hooks::onStrftime) return hooks::onStrftime(out, size, format, fields);
   return hooks::Next<size_t(char*, size_t, const char*, const tm*)>("strftime")(
       out, size, format, fields);
+}
+
+int isalnum(int character) noexcept {
+  if (hooks::onIsalnum) return hooks::onIsalnum(character);
+  static const auto real = hooks::Next<int(int)>("isalnum");
+  return real(character);
 }
 
 }  // extern "C"
