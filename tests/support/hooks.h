@@ -46,6 +46,17 @@ extern std::function<size_t(char* out, size_t size, const char* format,
                             const tm* fields)>
     onStrftime;
 extern std::function<int(int character)> onIsalnum;
+/// `mode` is 0 where `flags` hold no O_CREAT.
+extern std::function<int(const char* path, int flags, mode_t mode)> onOpen;
+extern std::function<DIR*(const char* path)> onOpendir;
+extern std::function<ssize_t(int to, int from, off_t* offset, size_t count)>
+    onSendfile;
+extern std::function<int(const char* path)> onRemove;
+extern std::function<ssize_t(const char* path, char* out, size_t size)>
+    onReadlink;
+extern std::function<int(char* pattern)> onMkstemp;
+extern std::function<int()> onRand;
+extern std::function<void(unsigned seed)> onSrand;
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);
@@ -54,6 +65,11 @@ int RealFseek(FILE* stream, long offset, int where);
 int RealStat(const char* path, struct stat* status);
 int RealMkdir(const char* path, mode_t mode);
 dirent* RealReaddir(DIR* directory);
+int RealOpen(const char* path, int flags, mode_t mode);
+DIR* RealOpendir(const char* path);
+ssize_t RealSendfile(int to, int from, off_t* offset, size_t count);
+int RealRemove(const char* path);
+int RealMkstemp(char* pattern);
 int RealGetaddrinfo(const char* node, const char* service,
                     const addrinfo* hints, addrinfo** result);
 

@@ -1,5 +1,9 @@
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <stdlib.h>
 #include <sys/mount.h>
+#include <sys/sendfile.h>
 #include <unistd.h>
 
 #include "hooks.h"
@@ -23,6 +27,14 @@ decltype(onToupper) onToupper;
 decltype(onTolower) onTolower;
 decltype(onStrftime) onStrftime;
 decltype(onIsalnum) onIsalnum;
+decltype(onOpen) onOpen;
+decltype(onOpendir) onOpendir;
+decltype(onSendfile) onSendfile;
+decltype(onRemove) onRemove;
+decltype(onReadlink) onReadlink;
+decltype(onMkstemp) onMkstemp;
+decltype(onRand) onRand;
+decltype(onSrand) onSrand;
 
 namespace {
 
@@ -62,6 +74,31 @@ int RealMkdir(const char* path, mode_t mode) {
 dirent* RealReaddir(DIR* directory) {
   static const auto real = Next<decltype(readdir)>("readdir");
   return real(directory);
+}
+
+int RealOpen(const char* path, int flags, mode_t mode) {
+  static const auto real = Next<int(const char*, int, ...)>("open");
+  return real(path, flags, mode);
+}
+
+DIR* RealOpendir(const char* path) {
+  static const auto real = Next<DIR*(const char*)>("opendir");
+  return real(path);
+}
+
+ssize_t RealSendfile(int to, int from, off_t* offset, size_t count) {
+  static const auto real = Next<ssize_t(int, int, off_t*, size_t)>("sendfile");
+  return real(to, from, offset, count);
+}
+
+int RealRemove(const char* path) {
+  static const auto real = Next<int(const char*)>("remove");
+  return real(path);
+}
+
+int RealMkstemp(char* pattern) {
+  static const auto real = Next<int(char*)>("mkstemp");
+  return real(pattern);
 }
 
 int RealGetaddrinfo(const char* node, const char* service,
@@ -170,6 +207,54 @@ int isalnum(int character) noexcept {
   if (hooks::onIsalnum) return hooks::onIsalnum(character);
   static const auto real = hooks::Next<int(int)>("isalnum");
   return real(character);
+}
+
+int open(const char* path, int flags, ...) {
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+  }
+  if (hooks::onOpen) return hooks::onOpen(path, flags, mode);
+  return hooks::RealOpen(path, flags, mode);
+}
+
+DIR* opendir(const char* path) {
+  if (hooks::onOpendir) return hooks::onOpendir(path);
+  return hooks::RealOpendir(path);
+}
+
+ssize_t sendfile(int to, int from, off_t* offset, size_t count) noexcept {
+  if (hooks::onSendfile) return hooks::onSendfile(to, from, offset, count);
+  return hooks::RealSendfile(to, from, offset, count);
+}
+
+int remove(const char* path) noexcept {
+  if (hooks::onRemove) return hooks::onRemove(path);
+  return hooks::RealRemove(path);
+}
+
+ssize_t readlink(const char* path, char* out, size_t size) noexcept {
+  if (hooks::onReadlink) return hooks::onReadlink(path, out, size);
+  return hooks::Next<ssize_t(const char*, char*, size_t)>("readlink")(path, out,
+                                                                      size);
+}
+
+int mkstemp(char* pattern) {
+  if (hooks::onMkstemp) return hooks::onMkstemp(pattern);
+  return hooks::RealMkstemp(pattern);
+}
+
+int rand() noexcept {
+  if (hooks::onRand) return hooks::onRand();
+  return hooks::Next<int()>("rand")();
+}
+
+void srand(unsigned seed) noexcept {
+  if (hooks::onSrand) return hooks::onSrand(seed);
+  hooks::Next<void(unsigned)>("srand")(seed);
 }
 
 }  // extern "C"
