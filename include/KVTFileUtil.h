@@ -14,18 +14,20 @@
 #include "KVTString.h"
 
 /// The proxy of KVTFileUtil::GetFile.  The texts belong to the caller, who keeps
-/// them alive over the call.
+/// them alive over the call; libcurl makes copies of its own.
 struct proxy {
   /// Non-zero: use the proxy.  Zero: the other two fields are not read.
   int enabled;
-  /// The address, for CURLOPT_PROXY.
+  /// The address as CURLOPT_PROXY takes it, such as "http://10.0.0.1:8888".
   const char* address;
-  /// User name and password joined by a colon, for CURLOPT_PROXYUSERPWD.
+  /// User name and password joined by a colon, for CURLOPT_PROXYUSERPWD; null
+  /// for a proxy that asks for neither.
   const char* credentials;
 };
 
-/// The write callback of KVTFileUtil::GetFile (CURLOPT_WRITEFUNCTION): returns
-/// what fwrite(3) returns for the same arguments.
+/// The write callback of KVTFileUtil::GetFile (CURLOPT_WRITEFUNCTION): writes
+/// `count` items of `size` bytes each to `stream` and returns how many items
+/// fwrite(3) took.
 KVT_EXPORT size_t write_data(void* buffer, size_t size, size_t count,
                              FILE* stream);
 
@@ -83,28 +85,120 @@ class KVT_EXPORT KVTFileUtil {
   /// @}
 
   /// @name Address validation
+  /// Decisions on the UTF-8 form of the text alone: nothing is trimmed, no name
+  /// service or socket is asked.  The calls may run on several threads at once.
+  /// All may throw std::bad_alloc except IsValidIPV6Address.
   /// @{
-  static bool IsValidIPV4Block(std::string block);
-  static bool IsValidIPV6Block(std::string block);
-  static bool IsValidIPV4Address(KVTString address);
-  static bool IsValidIPV6Address(KVTString address);
-  static bool IsValidHostNameAddress(KVTString name);
-  static int GetAddressType(KVTString address);
-  static KVTString MaskIP(KVTString address);
-  /// @}
 
+  /// Tells whether `block` can stand between the dots of an IPv4 address: one
+  /// to three bytes, each alphanumeric by isalnum(3) in the current locale, no
+  /// leading "0" before further bytes, and at most 255 when each byte counts
+  /// its code less 48.  Callers rely on letters passing: "z", "1a" and "AZ" are
+  /// valid, "zz" (814) is not.
+  static bool IsValidIPV4Block(std::string block);
+
+  /// Tells whether `block` is empty or one to four hexadecimal digits.
+  static bool IsValidIPV6Block(std::string block);
+
+  /// Tells whether `address` is four blocks that IsValidIPV4Block accepts with
+  /// a dot between them.  A dot behind the fourth block makes it invalid.
+  static bool IsValidIPV4Address(KVTString address);
+
+  /// Tells whether inet_pton(3) takes `address` for AF_INET6: "::" and an
+  /// embedded dotted quad are valid, brackets and "%zone" are not.
+  ///
+  /// Throws nothing.  When memory runs out on the way to inet_pton, eight
+  /// blocks that IsValidIPV6Block accepts, with a colon between them, count as
+  /// valid; when it runs out again, the result is false.
+  static bool IsValidIPV6Address(KVTString address);
+
+  /// Tells whether `name` has a block between its dots that is not all ASCII
+  /// digits, and none of the characters of GetPunctuationCharacters.  Callers
+  /// rely on that being all: blanks, underscores, slashes, empty blocks and
+  /// names of any length pass, and so does a dotted quad with a letter in it.
+  /// Invalid are the empty text and all-numeric names.
+  static bool IsValidHostNameAddress(KVTString name);
+
+  /// Returns 0 for an IPv4 address, 1 for an IPv6 address, 2 for anything else,
+  /// be it a host name or invalid.  A dot among the first four bytes decides
+  /// for IsValidIPV4Address, otherwise a colon among the first five for
+  /// IsValidIPV6Address; without either the result is 2.
+  static int GetAddressType(KVTString address);
+
+  /// Returns `address` with its leading parts made unreadable for a log: each
+  /// unit up to the second dot of a valid IPv4 address, or up to the fourth
+  /// colon of a valid IPv6 address, becomes "X", the delimiters stay
+  /// ("XXX.XXX.1.2", "XXXX::X").  Other text comes back unchanged.
+  static KVTString MaskIP(KVTString address);
+
+  /// @}
   /// @name URLs and download
+  /// The text operations look for the first ":" or "/" in the UTF-8 form and
+  /// use its byte position as a position in 16-bit units.  Callers rely on
+  /// that, so behind non-ASCII text they cut further to the right.
+  ///
+  /// The two transfers go over libcurl's easy interface, HTTP, HTTPS and FTP,
+  /// and block.  libcurl's defaults hold for all that is not named here: no
+  /// time limit on the transfer, no redirects, certificates checked.  Each call
+  /// has a handle of its own.  Call curl_global_init(3) before threads start
+  /// when several threads may be the first to get here.
   /// @{
+
+  /// Returns "https", "http" and "ftp", in this order.
   static std::vector<KVTString> GetNetworkProtocols();
+
+  /// Tells whether the text before the first ":" or "/", or all of it without
+  /// one, is one of GetNetworkProtocols, in either case.  No "://" is asked
+  /// for: "http:foo", "ftp/abc" and "http" all have a protocol.
   static bool IsProtocolAddedToURL(const KVTString& text);
+
+  /// Sets `protocol` to the text before the first ":" or "/", or to all of it
+  /// without one ("server/share" gives "server").  Always returns true.
   static bool GetProtocolFromNetworkLocation(const KVTString& location,
                                              KVTString& protocol);
+
+  /// Sets `url` to `location` without its protocol and without what follows
+  /// the next "/": "https://server:8080/x" gives "server:8080".  Always returns
+  /// true.
+  ///
+  /// When IsProtocolAddedToURL holds, the location behind the protocol goes to
+  /// standard output (std::cout) as a line of its own, flushed.  Callers rely
+  /// on three units being cut behind the protocol whatever they are, so "http"
+  /// becomes "tp" and "http:x", too short for the cut, throws
+  /// std::out_of_range with the text "basic_string::substr"; then nothing is
+  /// written and `url` is left alone.
   static bool GetURLFromNetworkLocation(KVTString location, KVTString& url);
+
+  /// Downloads `url` into `target`; when that is a directory, into a file in it
+  /// named by the text of `url` behind the last "/", query included.  Returns 0
+  /// on success and 1 on failure; callers rely on that sense.
+  ///
+  /// Success is the response code 200, or 226 from FTP, with nothing wrong on
+  /// the way.  Redirects (301, 302) are not followed and fail, and so does 206.
+  ///
+  /// Fails before anything is sent when the parent of `target` does not exist.
+  /// An old file is deleted before the transfer starts; an empty directory
+  /// where the file should go is removed too, but that call fails.  A failed
+  /// transfer leaves what arrived on disk: the body of a 404 page, or an empty
+  /// file when no server answered.
+  ///
+  /// `settings.address` and `settings.credentials` may be null when
+  /// `settings.enabled` is zero.
   static int GetFile(const KVTString& url, const KVTFile& target,
                      proxy settings);
-  static bool IsURLValid(const KVTString& url);
-  /// @}
 
+  /// Asks for `url` without its body (CURLOPT_NOBODY; a HEAD request over HTTP)
+  /// and tells whether the response code was 200, 226, 257, 301 or 350.  False
+  /// for every failure.  No proxy is used unless the environment names one for
+  /// libcurl.
+  ///
+  /// Creates or empties "/tmp/curlFile", which stays behind, and deletes
+  /// "curlFile" from the current directory; callers rely on both.  Where the
+  /// first cannot be opened, the second stays, and a body that the server sends
+  /// all the same goes to standard output.
+  static bool IsURLValid(const KVTString& url);
+
+  /// @}
   /// @name Identifiers
   /// @{
 
