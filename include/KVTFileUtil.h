@@ -153,13 +153,16 @@ class KVT_EXPORT KVTFileUtil {
   static bool IsProtocolAddedToURL(const KVTString& text);
 
   /// Sets `protocol` to the text before the first ":" or "/", or to all of it
-  /// without one ("server/share" gives "server").  Always returns true.
+  /// without one ("server/share" gives "server"), and returns true.  Where
+  /// non-ASCII text makes the position equal the length, `protocol` becomes
+  /// empty and the result is false.
   static bool GetProtocolFromNetworkLocation(const KVTString& location,
                                              KVTString& protocol);
 
   /// Sets `url` to `location` without its protocol and without what follows
-  /// the next "/": "https://server:8080/x" gives "server:8080".  Always returns
-  /// true.
+  /// the next "/", and returns true: "https://server:8080/x" gives
+  /// "server:8080".  Where non-ASCII text makes the position of that "/" equal
+  /// the length, `url` becomes empty and the result is false.
   ///
   /// When IsProtocolAddedToURL holds, the location behind the protocol goes to
   /// standard output (std::cout) as a line of its own, flushed.  Callers rely

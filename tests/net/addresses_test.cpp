@@ -11,6 +11,7 @@
 #include "KVTFileUtil.h"
 #include "address_models.h"
 #include "hooks.h"
+#include "random_seed.h"
 #include "test_strings.h"
 
 namespace {
@@ -324,8 +325,8 @@ TEST(AddressModel, AgreesOnEveryShortTextOfAHostNameAlphabet) {
 }
 
 TEST(AddressModel, AgreesOnRandomAddresses) {
-  const unsigned seed = std::random_device()();
-  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  const unsigned seed = RandomSeed();
+  SCOPED_TRACE(SeedTrace(seed));
   std::mt19937 random(seed);
   const std::vector<std::string> pieces = {
       ".", ".",  ":",  ":",   "::",  "0", "1",   "25",   "255", "256", "a",
