@@ -1,5 +1,10 @@
 /// @file
 /// Static operations on files, directories, network names and URLs.
+///
+/// Paths go to libc as UTF-8.  There is no state and no lock; what another
+/// process does to the disk in the middle of a call is not guarded against.
+/// Failures come back as results, without a reason; where nothing else is said a
+/// call may throw std::bad_alloc when memory runs out.
 
 #ifndef KVTFILEUTIL_H
 #define KVTFILEUTIL_H
@@ -38,50 +43,172 @@ class KVT_EXPORT KVTFileUtil {
 
   /// @name Path characters and directory test
   /// @{
-  static KVTString GetSeparator();
-  static std::vector<KVTString> GetReservedNames();
-  static std::vector<KVTString> GetIllegalCharacters();
-  static std::vector<KVTString> GetPunctuationCharacters();
-  static bool IsDirectory(const KVTString& path);
-  /// @}
 
+  /// Returns "/".
+  static KVTString GetSeparator();
+
+  /// Returns the names that no component of a path may have: none.
+  static std::vector<KVTString> GetReservedNames();
+
+  /// Returns the characters that no name may hold, one string each, in this
+  /// order: \ / ? * < " > |
+  static std::vector<KVTString> GetIllegalCharacters();
+
+  /// Returns eight strings in this order: ' : ? , ! () " ; where the sixth
+  /// holds both parentheses: look for any of its units
+  /// (KVTString::ContainsAny), not for the whole.
+  static std::vector<KVTString> GetPunctuationCharacters();
+
+  /// Tells whether stat(2) finds a directory at `path`, without one trailing
+  /// backslash if there is one.  Links are followed.  Callers rely on one bit
+  /// of the file's type being tested, so that block devices and sockets are
+  /// directories too.
+  static bool IsDirectory(const KVTString& path);
+
+  /// @}
   /// @name Files and directories on disk
   /// @{
-  static bool DeleteDirectory(const KVTFile& directory, bool deleteContents);
-  /// @}
 
+  /// Removes a directory, with `deleteContents` after the files and empty
+  /// directories directly in it.
+  ///
+  /// Returns false on success and true on failure; callers rely on that sense.
+  /// An empty path, one of more than 512 units and one for which IsDirectory is
+  /// false are failures too, and left alone.  Entries that cannot be removed
+  /// are passed over, and the names for remove(3) are cut to 1023 bytes.
+  /// Callers rely on `deleteContents` leaving the directory handle open, one
+  /// descriptor a call for the life of the process.
+  static bool DeleteDirectory(const KVTFile& directory, bool deleteContents);
+
+  /// @}
   /// @name Copy, move and rename
+  /// Nothing is undone when a call fails half-way.
   /// @{
+
+  /// Renames a file inside its directory (rename(2)), over an existing file of
+  /// the new name.  `file` keeps the old path.
+  ///
+  /// Returns false when either text is empty, when the file does not exist or
+  /// is a directory as IsDirectory tells, when the last component of `newName`
+  /// is not valid (KVTFile::IsValidName) or when rename fails.  Callers rely on
+  /// the new path being KVTFile::GetParentPath(false), a separator and
+  /// `newName`: a file with a bare name is its own parent and cannot be
+  /// renamed.
   static bool RenameFile(KVTFile& file, const KVTString& newName);
+
+  /// Copies the contents of a file with one call of sendfile(2).
+  ///
+  /// Returns false, before anything is opened, when a path is empty or a
+  /// directory as IsDirectory tells, when `source` does not exist, or when
+  /// `failIfExists` is true and `target` exists; afterwards when sendfile
+  /// fails.  What was written by then stays.
+  ///
+  /// A new target has mode 0644 under the umask.  Callers rely on an existing
+  /// one keeping its mode and, where it is longer than `source`, its tail, and
+  /// on true when the kernel transfers less than asked: one call ends just
+  /// below 2 GiB, so a bigger file is cut.
   static bool CopyFile(const KVTFile& source, const KVTFile& target,
                        bool failIfExists);
+
+  /// Copies as CopyFile does and removes `source`, also from one file system to
+  /// another.  Returns false when either fails: when the copy succeeded and
+  /// `source` cannot be removed, both files are there.
   static bool MoveFile(const KVTFile& source, const KVTFile& target,
                        bool failIfExists);
+
+  /// Copies as CopyFile does, after making the directory of `target` and its
+  /// parents (KVTFile::MakeDirectory).  Returns false, with nothing made, when
+  /// `source` does not exist.  Callers rely on the directory being
+  /// KVTFile::GetParentPath(false): a bare name is its own directory, so the
+  /// call makes one of that name where nothing stands, and returns false.
   static bool CopyFileCreateDir(const KVTFile& source, const KVTFile& target,
                                 bool failIfExists);
+
+  /// Copies what is in the directory `source` into the directory `target`.
+  ///
+  /// Returns false, with nothing done, when a path is empty, when either is not
+  /// a directory as IsDirectory tells (`target` is never made), when both paths
+  /// are the same text, and whenever `failIfExists` is true.  Otherwise returns
+  /// true, which says nothing about the files.
+  ///
+  /// With `recursive` true the shell's cp -R (system(3)) copies all but the
+  /// hidden entries of `source`.  Callers rely on the two paths going to the
+  /// shell as they are, neither quoted nor escaped.  With `recursive` false
+  /// each file directly in `source` is copied as by CopyFile, hidden ones too,
+  /// and each directory is made empty, its path in double quotes through the
+  /// shell.
   static bool CopyDirectory(const KVTFile& source, const KVTFile& target,
                             bool recursive, bool failIfExists);
-  /// @}
 
+  /// @}
   /// @name Directories and unique names
   /// @{
+
+  /// Returns the target of /proc/self/exe (readlink(2)), cut after 256 bytes;
+  /// with `includeName` false the text before its last "/".  Empty when the
+  /// link cannot be read.
   static KVTString GetCurrentExecutablePath(bool includeName);
+
+  /// Makes a directory in `parent` with mode 0775 under the umask, its name
+  /// `prefix` followed by random hexadecimal digits in groups.  Returns a file
+  /// with an empty path when `parent` is no directory or mkdir(2) fails.
+  ///
+  /// Seeds the process's rand(3) with time(2) at every call.  Callers rely on
+  /// the same name coming again within a second: a second call with the same
+  /// arguments then fails.
   static KVTFile CreateUniqueDirectory(const KVTString& parent,
                                        const KVTString& prefix);
+
+  /// Appends to `names` the files of `directory` that match, in the order of
+  /// readdir(3): bare names, or with `fullPaths` true `directory`, a separator
+  /// and the name.  Subdirectories are neither listed nor entered.
+  ///
+  /// A name matches the glob `startsWith`*`contains`* when `extension` is
+  /// empty, otherwise `startsWith`*`contains`.`extension`, by fnmatch(3) with
+  /// FNM_CASEFOLD: case is ignored, a leading dot is an ordinary character.
+  /// Callers rely on no * following `contains` in the second form, and on glob
+  /// characters in the arguments working as such.
+  ///
+  /// Returns 0 on success, and 1, with `names` untouched, when `directory` is
+  /// empty or cannot be opened; callers rely on that sense.
   static int GetFileNamesInDirectory(const KVTString& directory,
                                      const KVTString& startsWith,
                                      const KVTString& contains,
                                      const KVTString& extension,
                                      std::vector<KVTString>& names,
                                      bool fullPaths);
+
+  /// Returns a file with the path "/tmp".
   static KVTFile GetSystemTempDirectory();
+
+  /// Returns the file's bytes up to the first zero byte, read as UTF-8; empty
+  /// when the file cannot be read or memory for it cannot be had.  The size is
+  /// taken once, so what is written behind it meanwhile is not read.
   static KVTString GetFileContents(KVTString path);
+
+  /// Makes a directory in the temporary directory, as CreateUniqueDirectory
+  /// does with an empty prefix.
   static KVTFile CreateUniqueTemporaryDirectory();
+
+  /// Makes an empty file in `directory`, named `prefix`, six random characters
+  /// (mkstemp(3)), a dot and `extension`; an empty `extension` leaves the dot
+  /// last.
+  ///
+  /// The file is made in /tmp first and moved (MoveFile) unless `directory` is
+  /// that very text.  Returns a file with an empty path when `directory` is
+  /// empty or no directory, when no file can be made, or when RenameFile
+  /// refuses the name; the file then stays in /tmp under mkstemp's name.
+  /// Callers rely on being given the new path even when the move failed, and on
+  /// "/tmp/" being another text: the move onto itself removes the file, and the
+  /// path that comes back names nothing.
   static KVTFile CreateUniqueFile(const KVTString& directory,
                                   const KVTString& prefix,
                                   const KVTString& extension);
+
+  /// Makes a file as CreateUniqueFile does, in the temporary directory.
   static KVTFile CreateUniqueTemporaryFile(const KVTString& prefix,
                                            const KVTString& extension);
+
   /// @}
 
   /// @name Address validation
@@ -206,8 +333,8 @@ class KVT_EXPORT KVTFileUtil {
   /// @{
 
   /// Tells whether `text` has 36 units: hexadecimal digits of either case, with
-  /// dashes at positions 8, 13, 18 and 23.  No other form passes, with braces or
-  /// without dashes.  Callers rely on only the low byte of each unit being
+  /// dashes at positions 8, 13, 18 and 23.  No other form passes, with braces
+  /// or without dashes.  Callers rely on only the low byte of each unit being
   /// looked at: 0x0141 passes for the letter A.
   static bool isGUIDValid(KVTString text);
 
