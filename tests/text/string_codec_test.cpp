@@ -214,7 +214,8 @@ TEST(KVTStringDecoding, AgreesWithTheModelOnEveryTextOfTwoBytes) {
 
 TEST(KVTStringDecoding, AgreesWithTheModelOnTextsOfFourBytesAtTheEdges) {
   const std::string edges =
-      "\x01z\x7F\x80\x9F\xBF\xC0\xC3\xDF\xE0\xED\xEF\xF0\xF4\xF7\xF8\xFF";
+      "\x01Pz\x7F\x80\x81\x8F\x90\xA0\xBF\xC0\xC1\xC3\xDF\xE0\xE2\xED\xEF"
+      "\xF0\xF1\xF4\xF5\xF7\xF8\xFE\xFF";
   for (std::size_t length = 3; length <= 4; ++length) {
     ForEachText(edges, length, ExpectDecodesLikeTheModel);
     if (HasFatalFailure()) return;
