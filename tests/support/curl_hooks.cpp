@@ -15,6 +15,19 @@ namespace {
 
 CurlRecorder* active = nullptr;
 
+// While one lives, calls go straight to libcurl, which makes handles of its own
+// in the middle of a transfer.
+class InsideLibcurl {
+ public:
+  InsideLibcurl() : mRecorder(active) { active = nullptr; }
+  ~InsideLibcurl() { active = mRecorder; }
+  InsideLibcurl(const InsideLibcurl&) = delete;
+  InsideLibcurl& operator=(const InsideLibcurl&) = delete;
+
+ private:
+  CurlRecorder* const mRecorder;
+};
+
 // libcurl's definition of `name`.
 template <class Function>
 Function* Real(const char* name) {
@@ -108,8 +121,11 @@ CURL* CurlRecorder::Init() {
   if (initFails) return nullptr;
   // Scripted handles are distinct addresses that nobody looks behind.
   static char handles[1000];
-  CURL* const handle =
-      mMode == Mode::kForwarding ? realInit() : &handles[mMade % 1000];
+  CURL* handle = &handles[mMade % 1000];
+  if (mMode == Mode::kForwarding) {
+    const InsideLibcurl inside;
+    handle = realInit();
+  }
   if (handle == nullptr) return nullptr;
   ++mMade;
   mLive.insert(handle);
@@ -152,7 +168,10 @@ CURLcode CurlRecorder::SetPointer(CURL* handle, CURLoption option,
 
 CURLcode CurlRecorder::Perform(CURL* handle) {
   mCalls.push_back("perform" + OnHandle(handle));
-  if (mMode == Mode::kForwarding) return realPerform(handle);
+  if (mMode == Mode::kForwarding) {
+    const InsideLibcurl inside;
+    return realPerform(handle);
+  }
   if (onPerform) onPerform();
   return performResult;
 }
@@ -171,7 +190,10 @@ CURLcode CurlRecorder::GetInfo(CURL* handle, CURLINFO info, void* out) {
 void CurlRecorder::Cleanup(CURL* handle) {
   mCalls.push_back("cleanup" + OnHandle(handle));
   const bool lived = mLive.erase(handle) != 0;
-  if (mMode == Mode::kForwarding && lived) realCleanup(handle);
+  if (mMode == Mode::kForwarding && lived) {
+    const InsideLibcurl inside;
+    realCleanup(handle);
+  }
 }
 
 extern "C" {

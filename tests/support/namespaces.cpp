@@ -67,6 +67,10 @@ void CoverWithEmptyDirectory(const std::string& path, unsigned long bytes) {
   Mount("tmpfs", path, "tmpfs", 0, data.c_str());
 }
 
+void CoverWithReadOnlyDirectory(const std::string& path) {
+  Mount("tmpfs", path, "tmpfs", MS_RDONLY, nullptr);
+}
+
 void CoverWith(const std::string& source, const std::string& target) {
   Mount(source.c_str(), target, nullptr, MS_BIND, nullptr);
 }
