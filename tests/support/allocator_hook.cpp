@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -22,6 +23,8 @@ std::vector<hooks::WatchedArrays::Block> watchedBlocks;
 std::vector<void*> watchedReleases;
 
 bool Refuse(std::size_t size) {
+  // malloc refuses this as well, but a sanitizer's ends the process.
+  if (size > PTRDIFF_MAX) return true;
   if (!active || size < smallest || refused == limit) return false;
   if (granted > 0) {
     --granted;
