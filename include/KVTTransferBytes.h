@@ -105,7 +105,9 @@ class KVT_EXPORT KVTFileTransferBytes : public IKVTTransferBytes {
   /// feof(3) holds, which Read does not bring about on a regular file.
   KVTStreamState GetStreamState() override;
 
-  /// Calls ftruncate(2) at the position of ftell(3).
+  /// Calls ftruncate(2) at the position of ftell(3).  What the stream has in
+  /// its buffer stays there: bytes not yet written still will be, and bytes
+  /// read ahead can come back after the file has grown again.
   void SetEndOfStream() override;
 
   /// The file that the constructor got.
@@ -151,6 +153,10 @@ class KVT_EXPORT KVTMemoryTransferBytes : public IKVTTransferBytes {
   /// behind it.  The first call that finds content clears that text; each later
   /// one counts it as read already and moves the position forward by its
   /// length.  Returns 0 at once when there is no text at the position.
+  ///
+  /// Callers rely on the length of the text being taken before that move: up to
+  /// as many bytes are copied from the new position, whatever stands there, and
+  /// beyond the end of the block if it is no longer.
   unsigned long long Read(void* buffer, unsigned long long size) override;
 
   /// Appends `size` bytes to the text at the position; returns the length of
