@@ -10,6 +10,7 @@
 
 #include "KVTFileUtil.h"
 #include "hooks.h"
+#include "open_descriptors.h"
 #include "special_files.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
@@ -23,11 +24,6 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::size_t OpenDescriptors() {
-  const fs::directory_iterator all("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-}
 
 // A directory below `parent` whose path has `length` bytes in all.
 std::string MakeDirectoryOfLength(const std::string& parent,

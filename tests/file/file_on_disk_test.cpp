@@ -16,20 +16,6 @@
 
 namespace {
 
-// What goes to system(3) while the object lives; nothing is run.
-class Commands {
- public:
-  const std::vector<std::string>& All() const { return mAll; }
-
- private:
-  std::vector<std::string> mAll;
-  hooks::Scoped<decltype(hooks::onSystem)> mHook{
-      hooks::onSystem, [this](const char* command) {
-        mAll.push_back(command);
-        return 0;
-      }};
-};
-
 bool IsThere(const std::string& path) {
   struct stat status;
   return lstat(path.c_str(), &status) == 0;
@@ -44,7 +30,7 @@ void Link(const std::string& target, const std::string& path) {
 TEST(Touch, BuildsTheCommandFromThePathAsItIs) {
   const TemporaryDirectory directory;
   WriteFile(directory.Path("a b;c'$d\"\xC3\xA4"), "");
-  const Commands commands;
+  const hooks::RecordedCommands commands;
   EXPECT_TRUE(directory.File("a b;c'$d\"\xC3\xA4").Touch());
   EXPECT_EQ(commands.All(),
             std::vector<std::string>{"touch -c " + directory.Path() +
@@ -55,7 +41,7 @@ TEST(Touch, RunsNothingForWhatIsNoFile) {
   const TemporaryDirectory directory;
   Link("missing", directory.Path("dangling"));
   MakeSocket(directory.Path("socket"));
-  const Commands commands;
+  const hooks::RecordedCommands commands;
   EXPECT_FALSE(KVTFile().Touch());
   EXPECT_FALSE(directory.File("missing").Touch());
   EXPECT_FALSE(directory.File("dangling").Touch());

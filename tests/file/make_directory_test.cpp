@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "KVTFile.h"
+#include "file_mode.h"
 #include "hooks.h"
 #include "namespaces.h"
 #include "temporary_directory.h"
@@ -41,18 +42,6 @@ class Requests {
       }};
 };
 
-// The mask of new files' permissions while the object lives.
-class Umask {
- public:
-  explicit Umask(mode_t mask) : mPrevious(umask(mask)) {}
-  ~Umask() { umask(mPrevious); }
-  Umask(const Umask&) = delete;
-  Umask& operator=(const Umask&) = delete;
-
- private:
-  mode_t mPrevious;
-};
-
 // All below the working directory, sorted.
 Texts Tree() {
   Texts tree;
@@ -61,12 +50,6 @@ Texts Tree() {
   }
   std::sort(tree.begin(), tree.end());
   return tree;
-}
-
-mode_t ModeOf(const std::string& path) {
-  struct stat status = {};
-  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
-  return status.st_mode & 07777;
 }
 
 // A new working directory with the directory "have" and the file "file".

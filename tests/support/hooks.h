@@ -17,7 +17,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 #include <vector>
 
 namespace hooks {
@@ -92,6 +94,19 @@ class Scoped {
 };
 template <class Function, class Replacement>
 Scoped(Function&, Replacement) -> Scoped<Function>;
+
+/// While the object lives, system(3) notes its command and runs nothing.
+class RecordedCommands {
+ public:
+  const std::vector<std::string>& All() const { return mAll; }
+
+ private:
+  std::vector<std::string> mAll;
+  Scoped<decltype(onSystem)> mHook{onSystem, [this](const char* command) {
+                                     mAll.push_back(command);
+                                     return 0;
+                                   }};
+};
 
 /// While the object lives, operator new throws std::bad_alloc for a request
 /// once `count` further requests of at least `size` bytes have been granted.
