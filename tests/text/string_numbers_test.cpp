@@ -188,12 +188,22 @@ TEST(KVTStringAppendNumber, HasRoomFor99Bytes) {
   EXPECT_EQ(text.GetUTF8String(), std::string(98, '0') + "7");
 }
 
+// AddressSanitizer answers __sprintf_chk in place of libc, with its own report and
+// exit status.
+#ifdef __SANITIZE_ADDRESS__
+constexpr char kOverflowReport[] = "stack-buffer-overflow";
+bool IsAbort(int status) { return testing::ExitedWithCode(1)(status); }
+#else
+constexpr char kOverflowReport[] = "buffer overflow detected";
+bool IsAbort(int status) { return testing::KilledBySignal(SIGABRT)(status); }
+#endif
+
 TEST(KVTStringAppendNumberDeathTest, AbortsTheProcessFor100Bytes) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(KVTString().AppendNumber(7, "%0100d"),
-              testing::KilledBySignal(SIGABRT), "buffer overflow detected");
+  EXPECT_EXIT(KVTString().AppendNumber(7, "%0100d"), IsAbort, kOverflowReport);
+  // One byte of digits, 33 times three of text
   EXPECT_EXIT(KVTString().AppendNumber(7, "%d" + Repeat("\xE2\x82\xAC", 33)),
-              testing::KilledBySignal(SIGABRT), "buffer overflow detected");
+              IsAbort, kOverflowReport);
 }
 
 // --- ConvertIntToString, ConvertIntToHexString
