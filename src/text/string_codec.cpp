@@ -80,22 +80,39 @@ std::size_t DecodeSequence(const char* bytes, std::size_t length,
 bool IsHighSurrogate(unsigned int unit) { return (unit & 0xFC00) == 0xD800; }
 bool IsLowSurrogate(unsigned int unit) { return (unit & 0xFC00) == 0xDC00; }
 
-void AppendPair(std::string& out, unsigned int high, unsigned int low) {
+// Writes four bytes at `out` and returns where they end.
+char* WritePair(char* out, unsigned int high, unsigned int low) {
   const unsigned int plane = ((high >> 6) & 0x0F) + 1;
-  out += static_cast<char>(0xF0 + (plane >> 2));
-  out += static_cast<char>(0x80 + ((plane & 3) << 4 | ((high >> 2) & 0x0F)));
-  out += static_cast<char>(0x80 + ((high & 3) << 4 | ((low >> 6) & 0x0F)));
-  out += static_cast<char>(0x80 + (low & 0x3F));
+  *out++ = static_cast<char>(0xF0 + (plane >> 2));
+  *out++ = static_cast<char>(0x80 + ((plane & 3) << 4 | ((high >> 2) & 0x0F)));
+  *out++ = static_cast<char>(0x80 + ((high & 3) << 4 | ((low >> 6) & 0x0F)));
+  *out++ = static_cast<char>(0x80 + (low & 0x3F));
+  return out;
 }
 
-void AppendUnit(std::string& out, unsigned int unit) {
+// Writes two or three bytes at `out` and returns where they end.
+char* WriteUnit(char* out, unsigned int unit) {
   if (unit <= kLastTwoByteUnit) {
-    out += static_cast<char>(0xC0 + (unit >> 6));
+    *out++ = static_cast<char>(0xC0 + (unit >> 6));
   } else {
-    out += static_cast<char>(0xE0 + (unit >> 12));
-    out += static_cast<char>(0x80 + ((unit >> 6) & 0x3F));
+    *out++ = static_cast<char>(0xE0 + (unit >> 12));
+    *out++ = static_cast<char>(0x80 + ((unit >> 6) & 0x3F));
   }
-  out += static_cast<char>(0x80 + (unit & 0x3F));
+  *out++ = static_cast<char>(0x80 + (unit & 0x3F));
+  return out;
+}
+
+// How many bytes the units take if no two of them are a surrogate pair, which
+// takes four bytes and not six.
+std::size_t LongestEncoding(const unsigned short* units, std::size_t size) {
+  std::size_t bytes = size;
+  for (std::size_t i = 0; i < size;) {
+    i += AsciiRunLength(units + i, size - i);
+    for (; i < size && units[i] >= 0x80; ++i) {
+      bytes += units[i] <= kLastTwoByteUnit ? 1 : 2;
+    }
+  }
+  return bytes;
 }
 
 }  // namespace
@@ -130,25 +147,28 @@ KVTUnits DecodeUtf8(const char* bytes, std::size_t size) {
 std::string EncodeUtf8(const unsigned short* units, std::size_t size) {
   std::string out;
   out.reserve(2 * size);
+  out.resize(LongestEncoding(units, size));
+  char* end = &out[0];
 
   for (std::size_t i = 0; i < size;) {
     const std::size_t run = AsciiRunLength(units + i, size - i);
-    const std::size_t start = out.size();
-    out.resize(start + run);
     for (std::size_t k = 0; k < run; ++k) {
-      out[start + k] = static_cast<char>(units[i + k]);
+      end[k] = static_cast<char>(units[i + k]);
     }
+    end += run;
     i += run;
-    if (i == size) break;
 
-    if (IsHighSurrogate(units[i]) && i + 1 < size &&
-        IsLowSurrogate(units[i + 1])) {
-      AppendPair(out, units[i], units[i + 1]);
-      i += 2;
-    } else {
-      AppendUnit(out, units[i]);
-      ++i;
+    while (i < size && units[i] >= 0x80) {
+      if (IsHighSurrogate(units[i]) && i + 1 < size &&
+          IsLowSurrogate(units[i + 1])) {
+        end = WritePair(end, units[i], units[i + 1]);
+        i += 2;
+      } else {
+        end = WriteUnit(end, units[i]);
+        ++i;
+      }
     }
   }
+  out.resize(static_cast<std::size_t>(end - out.data()));
   return out;
 }
