@@ -20,7 +20,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-#include <vector>
 
 namespace hooks {
 
@@ -57,6 +56,7 @@ extern std::function<int(const char* path)> onRemove;
 extern std::function<ssize_t(const char* path, char* out, size_t size)>
     onReadlink;
 extern std::function<int(char* pattern)> onMkstemp;
+extern std::function<ssize_t(int descriptor, void* out, size_t size)> onRead;
 extern std::function<int()> onRand;
 extern std::function<void(unsigned seed)> onSrand;
 
@@ -72,6 +72,7 @@ DIR* RealOpendir(const char* path);
 ssize_t RealSendfile(int to, int from, off_t* offset, size_t count);
 int RealRemove(const char* path);
 int RealMkstemp(char* pattern);
+ssize_t RealRead(int descriptor, void* out, size_t size);
 int RealGetaddrinfo(const char* node, const char* service,
                     const addrinfo* hints, addrinfo** result);
 

@@ -33,6 +33,7 @@ decltype(onSendfile) onSendfile;
 decltype(onRemove) onRemove;
 decltype(onReadlink) onReadlink;
 decltype(onMkstemp) onMkstemp;
+decltype(onRead) onRead;
 decltype(onRand) onRand;
 decltype(onSrand) onSrand;
 
@@ -99,6 +100,11 @@ int RealRemove(const char* path) {
 int RealMkstemp(char* pattern) {
   static const auto real = Next<int(char*)>("mkstemp");
   return real(pattern);
+}
+
+ssize_t RealRead(int descriptor, void* out, size_t size) {
+  static const auto real = Next<ssize_t(int, void*, size_t)>("read");
+  return real(descriptor, out, size);
 }
 
 int RealGetaddrinfo(const char* node, const char* service,
@@ -245,6 +251,11 @@ ssize_t readlink(const char* path, char* out, size_t size) noexcept {
 int mkstemp(char* pattern) {
   if (hooks::onMkstemp) return hooks::onMkstemp(pattern);
   return hooks::RealMkstemp(pattern);
+}
+
+ssize_t read(int descriptor, void* out, size_t size) {
+  if (hooks::onRead) return hooks::onRead(descriptor, out, size);
+  return hooks::RealRead(descriptor, out, size);
 }
 
 int rand() noexcept {
