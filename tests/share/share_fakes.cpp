@@ -13,18 +13,23 @@
 
 #include "namespaces.h"
 
+// What the library leaves behind on purpose and LeakSanitizer sees as lost: all
+// but the first node that getaddrinfo gave to ResolveHostAddress, and the
+// directory that DeleteDirectory has read.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:KVTShareFileInternal::ResolveHostAddress\n"
+         "leak:KVTFileUtil::DeleteDirectory\n";
+}
+
 namespace {
 
-class PrivateMnt : public testing::Environment {
+class PrivateMounts : public testing::Environment {
  public:
-  void SetUp() override {
-    EnterPrivateMounts();
-    CoverWithEmptyDirectory("/mnt");
-  }
+  void SetUp() override { EnterPrivateMounts(); }
 };
 
-const testing::Environment* const kPrivateMnt =
-    testing::AddGlobalTestEnvironment(new PrivateMnt);
+const testing::Environment* const kPrivateMounts =
+    testing::AddGlobalTestEnvironment(new PrivateMounts);
 
 // One block as getaddrinfo(3) makes it, with the address behind the node.
 addrinfo* MakeNode(const std::string& address) {
@@ -134,7 +139,15 @@ void MountForReal(const std::string& source, const std::string& folder) {
   }
 }
 
+void EmptyMnt::SetUp() { CoverWithEmptyDirectory("/mnt"); }
+
+void EmptyMnt::TearDown() { Uncover("/mnt"); }
+
+std::string Folder(char letter) {
+  return std::string("/mnt/orbmount") + letter;
+}
+
 bool FolderExists(char letter) {
-  const std::string path = std::string("/mnt/orbmount") + letter;
-  return faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+  return faccessat(AT_FDCWD, Folder(letter).c_str(), F_OK,
+                   AT_SYMLINK_NOFOLLOW) == 0;
 }

@@ -1,7 +1,7 @@
 /// What the tests of the share code put in the place of the kernel, the name
 /// service and the clock.
 ///
-/// The whole program runs with mounts of its own and an empty /mnt.
+/// The whole program runs with mounts of its own.
 
 #ifndef KVT_TESTS_SHARE_FAKES_H
 #define KVT_TESTS_SHARE_FAKES_H
@@ -9,6 +9,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "hooks.h"
 
@@ -110,11 +112,20 @@ class FakeSleep {
   hooks::Scoped<decltype(hooks::onSleep)> mHook;
 };
 
+/// Tests that find /mnt empty.
+class EmptyMnt : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+};
+
+/// The folder /mnt/orbmount and `letter`.
+std::string Folder(char letter);
+
+/// Whether that folder exists in any form.
+bool FolderExists(char letter);
+
 /// Mounts an empty file system with the device text `source` on `folder`, past
 /// any hook.
 void MountForReal(const std::string& source, const std::string& folder);
-
-/// Whether /mnt/orbmount and `letter` exists in any form.
-bool FolderExists(char letter);
-
 #endif  // KVT_TESTS_SHARE_FAKES_H

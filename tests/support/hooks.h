@@ -10,6 +10,7 @@
 
 #include <dirent.h>
 #include <netdb.h>
+#include <netinet/in.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -32,6 +33,10 @@ extern std::function<unsigned(unsigned seconds)> onSleep;
 extern std::function<int(const char* node, const char* service,
                          const addrinfo* hints, addrinfo** result)>
     onGetaddrinfo;
+extern std::function<const char*(int family, const void* address, char* out,
+                                 socklen_t size)>
+    onInetNtop;
+extern std::function<char*(in_addr address)> onInetNtoa;
 extern std::function<FILE*(const char* path, const char* mode)> onFopen;
 extern std::function<long(FILE* stream)> onFtell;
 extern std::function<int(FILE* stream, long offset, int where)> onFseek;

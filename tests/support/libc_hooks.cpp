@@ -14,6 +14,8 @@ decltype(onMount) onMount;
 decltype(onUmount2) onUmount2;
 decltype(onSleep) onSleep;
 decltype(onGetaddrinfo) onGetaddrinfo;
+decltype(onInetNtop) onInetNtop;
+decltype(onInetNtoa) onInetNtoa;
 decltype(onFopen) onFopen;
 decltype(onFtell) onFtell;
 decltype(onFseek) onFseek;
@@ -143,6 +145,18 @@ int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
     return hooks::onGetaddrinfo(node, service, hints, result);
   }
   return hooks::RealGetaddrinfo(node, service, hints, result);
+}
+
+const char* inet_ntop(int family, const void* address, char* out,
+                      socklen_t size) noexcept {
+  if (hooks::onInetNtop) return hooks::onInetNtop(family, address, out, size);
+  return hooks::Next<const char*(int, const void*, char*, socklen_t)>(
+      "inet_ntop")(family, address, out, size);
+}
+
+char* inet_ntoa(in_addr address) noexcept {
+  if (hooks::onInetNtoa) return hooks::onInetNtoa(address);
+  return hooks::Next<char*(in_addr)>("inet_ntoa")(address);
 }
 
 FILE* fopen(const char* path, const char* mode) {
