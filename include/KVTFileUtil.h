@@ -249,7 +249,8 @@ class KVT_EXPORT KVTFileUtil {
   /// Returns 0 for an IPv4 address, 1 for an IPv6 address, 2 for anything else,
   /// be it a host name or invalid.  A dot among the first four bytes decides
   /// for IsValidIPV4Address, otherwise a colon among the first five for
-  /// IsValidIPV6Address; without either the result is 2.
+  /// IsValidIPV6Address; without either the result is 2.  Callers rely on the
+  /// spans, by which "::1.2.3.4" gives 2 although it is an IPv6 address.
   static int GetAddressType(KVTString address);
 
   /// Returns `address` with its leading parts made unreadable for a log: each

@@ -22,6 +22,7 @@ const MaskCase kMasks[] = {
     {"AllZeroIPV6", "::", "::"},
     {"LinkLocal", "fe80::1", "XXXX::X"},
     {"ThreeColonsMaskEverythingElse", "::ffff:1.2.3.4", "::XXXX:XXXXXXX"},
+    {"IPV6OfTypeNeither", "::1.2.3.4", "::XXXXXXX"},
     {"FourColonsStopTheMask", "1:2:3::4", "X:X:X::4"},
     {"HostName", "host.domain", "host.domain"},
     {"IPV4TooLarge", "256.1.1.1", "256.1.1.1"},

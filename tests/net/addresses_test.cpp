@@ -94,6 +94,8 @@ const AddressCase kAddresses[] = {
     {"DotAmongTheFirstFourBytes", "255.1.1.1", true, false, false, 0},
     {"DotAtByteFive", "abcd.b.c.d", false, false, true, 2},
     {"ColonAtByteFive", "abcd::1", false, true, false, 1},
+    {"IPV6WithADotAmongTheFirstFourBytes", "::1.2.3.4", false, true, false, 2},
+    {"IPV6WithADotAtByteFive", "::12.2.3.4", false, true, false, 1},
     {"ColonAtByteSix", "abcde::1", false, false, false, 2},
 };
 

@@ -95,6 +95,8 @@ const LocationCase kLocations[] = {
      "\xC3\xA9\xC3\xA9:", true, "\xC3\xA9\xC3\xA9:", ""},
     {"NonAsciiHost", "http://b\xC3\xBC.de/x/y", true, true, "http", true,
      "b\xC3\xBC.de/", "b\xC3\xBC.de/x/y\n"},
+    {"PairCutInHalf", "ftp:x\xF0\x9F\x98\x80/yz", true, true, "ftp", true,
+     "\xED\xB8\x80/y", "\xED\xB8\x80/yz\n"},
     {"NonAsciiHostSlashEqualsTheLength", "http://\xC3\xA9/", true, true, "http",
      false, "", "\xC3\xA9/\n"},
 };
@@ -176,6 +178,7 @@ void ExpectAgreement(const std::string& location) {
 
   KVTString url = kUntouched;
   const ModelText modelUrl = ModelUrl(wide);
+  CapturedDescriptor output(STDOUT_FILENO);
   if (modelUrl.throws) {
     ASSERT_THROW(KVTFileUtil::GetURLFromNetworkLocation(wide, url),
                  std::out_of_range);
@@ -185,12 +188,12 @@ void ExpectAgreement(const std::string& location) {
               modelUrl.found);
     ASSERT_EQ(url, modelUrl.text);
   }
+  ASSERT_EQ(output.Text(), modelUrl.printed);
 }
 
 TEST(LocationModel, AgreesOnEveryShortTail) {
   const std::vector<std::string> heads = {"", "http", "HTTPS", "ftp", "smb"};
   const std::vector<std::string> pieces = {":", "/", "a", "\xC3\xA9"};
-  CapturedDescriptor output(STDOUT_FILENO);
   for (const std::string& head : heads) {
     for (unsigned choice = 0; choice < 4 * 4 * 4 * 4 * 4; ++choice) {
       for (unsigned length = 0; length <= 5; ++length) {
@@ -214,7 +217,6 @@ TEST(LocationModel, AgreesOnRandomText) {
       "http", "https", "ftp", "HtTp", "://", ":", "/",        "//",
       "host", "8080",  "?q",  "x y",  "b\xC3\xBC", "\xE2\x82\xAC",
       "\xF0\x9F\x98\x80"};
-  CapturedDescriptor output(STDOUT_FILENO);
   for (int i = 0; i < 20000; ++i) {
     std::string text;
     for (unsigned n = random() % 8; n > 0; --n) {

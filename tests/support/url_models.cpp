@@ -1,6 +1,6 @@
 #include "url_models.h"
 
-#include <string>
+#include "utf8_model.h"
 
 namespace {
 
@@ -51,23 +51,25 @@ bool ModelHasProtocol(const KVTString& location) {
 
 ModelText ModelProtocol(const KVTString& location) {
   const long end = BytesBefore(location, ":/");
-  if (end == static_cast<long>(location.size())) return {false, false, ""};
-  return {false, true, Head(location, end)};
+  if (end == static_cast<long>(location.size())) return {false, false, "", ""};
+  return {false, true, Head(location, end), ""};
 }
 
 ModelText ModelUrl(const KVTString& location) {
   KVTString rest = location;
+  std::string printed;
   if (ModelHasProtocol(location)) {
     const long start = BytesBefore(location, ":/") + 3;  // 2 when not found
     const long size = static_cast<long>(location.size());
-    if (start > size) return {true, false, ""};
+    if (start > size) return {true, false, "", ""};
     std::basic_string<unsigned short> units;
     for (long i = start; i < size; ++i) {
       units += location[static_cast<std::size_t>(i)];
     }
     rest = KVTString(units);
+    printed = ModelEncodeUtf8(units) + "\n";
   }
   const long end = BytesBefore(rest, "/");
-  if (end == static_cast<long>(rest.size())) return {false, false, ""};
-  return {false, true, Head(rest, end)};
+  if (end == static_cast<long>(rest.size())) return {false, false, "", printed};
+  return {false, true, Head(rest, end), printed};
 }
