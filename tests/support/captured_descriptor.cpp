@@ -31,6 +31,10 @@ CapturedDescriptor::~CapturedDescriptor() {
 
 std::string CapturedDescriptor::Text() {
   Flush(mDescriptor);
+  return Written();
+}
+
+std::string CapturedDescriptor::Written() const {
   std::string text;
   char buffer[4096];
   ssize_t count;

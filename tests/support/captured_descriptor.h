@@ -19,6 +19,9 @@ class CapturedDescriptor {
   /// first.
   std::string Text();
 
+  /// All that has reached the descriptor so far.
+  std::string Written() const;
+
  private:
   int mDescriptor;
   int mPrevious;

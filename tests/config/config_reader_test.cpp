@@ -1,0 +1,420 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "KVTConfigReader.h"
+#include "config_model.h"
+#include "random_seed.h"
+#include "temporary_directory.h"
+#include "test_strings.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+static_assert(!std::is_polymorphic<KVTConfigSection>::value, "");
+
+std::vector<KVTConfigSection> Sections(const std::string& text) {
+  std::istringstream in(text);
+  KVTConfigReader reader(in);
+  return reader.GetConfiguration();
+}
+
+struct EntryCase {
+  const char* name;  // part of the test's name: letters and digits only
+  const char* line;
+  const char* key;
+  const char* value;
+};
+
+const EntryCase kEntryCases[] = {
+    {"Plain", "a=b", "a", "b"},
+    {"BlanksAround", "a = b ", "a", "b"},
+    {"TabsAndCarriageReturn", "\ta\t=\tb\t\r", "a", "b"},
+    {"NoEquals", "a", "a", "a"},
+    {"NoEqualsWithBlanks", " a b ", "a b", "a b"},
+    {"BeginsWithEquals", "=b", "", "b"},
+    {"EndsWithEquals", "a=", "a", ""},
+    {"EqualsAlone", "=", "", ""},
+    {"FurtherEqualsBelongToTheValue", "a=b=c", "a", "b=c"},
+    {"BlanksAlone", "   ", "", ""},
+    {"CarriageReturnAlone", "\r", "", ""},
+    {"BlankBeforeBracket", " [a]", "[a]", "[a]"},
+    {"BlankBeforeComment", " # a", "# a", "# a"},
+    {"BlankBeforeSemicolon", "\t; a=b", "; a", "b"},
+    {"CommentSignInside", "a#b=c;d", "a#b", "c;d"},
+    {"Quotes", "\"a\"=\" b \"", "\"a\"", "\" b \""},
+    {"Backslash", "a\\=b\\", "a\\", "b\\"},
+    {"Variable", "a=$HOME", "a", "$HOME"},
+    {"BracketBehind", "]a[=b", "]a[", "b"},
+    {"VerticalTabStays", "\va=b\f", "\va", "b\f"},
+};
+
+void PrintTo(const EntryCase& c, std::ostream* out) { *out << c.name; }
+
+class ConfigEntry : public testing::TestWithParam<EntryCase> {};
+
+TEST_P(ConfigEntry, HasItsKeyAndValue) {
+  const auto sections = Sections(std::string("[s]\n") + GetParam().line + "\n");
+  ASSERT_EQ(sections.size(), 1u);
+  EXPECT_EQ(sections[0].mName, "s");
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString(GetParam().key),
+                               KVTString(GetParam().value))));
+}
+
+TEST_P(ConfigEntry, IsDroppedBeforeTheFirstHeader) {
+  const auto sections = Sections(std::string(GetParam().line) + "\n[s]\n");
+  ASSERT_EQ(sections.size(), 1u);
+  EXPECT_THAT(sections[0].mEntries, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, ConfigEntry, testing::ValuesIn(kEntryCases),
+                         [](const auto& test) { return test.param.name; });
+
+struct HeaderCase {
+  const char* name;  // part of the test's name: letters and digits only
+  const char* line;
+  const char* section;
+};
+
+const HeaderCase kHeaderCases[] = {
+    {"Plain", "[a]", "a"},
+    {"Empty", "[]", ""},
+    {"BracketAlone", "[", ""},
+    {"BlanksInside", "[ a b\t]", " a b\t"},
+    {"TextBehindIsIgnored", "[a] b=c", "a"},
+    {"FirstClosingBracketCounts", "[a]b]", "a"},
+    {"OpeningBracketInside", "[[a]", "[a"},
+    {"NotClosed", "[a b", "a b"},
+    {"NotClosedWithCarriageReturn", "[a\r", "a\r"},
+    {"CarriageReturnBehind", "[a]\r", "a"},
+    {"EqualsInside", "[a=b]", "a=b"},
+    {"CaseStays", "[AbC]", "AbC"},
+};
+
+void PrintTo(const HeaderCase& c, std::ostream* out) { *out << c.name; }
+
+class ConfigHeader : public testing::TestWithParam<HeaderCase> {};
+
+TEST_P(ConfigHeader, BeginsASectionWithoutEntries) {
+  const auto sections = Sections(GetParam().line);
+  ASSERT_EQ(sections.size(), 1u);
+  EXPECT_EQ(sections[0].mName, GetParam().section);
+  EXPECT_THAT(sections[0].mEntries, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, ConfigHeader, testing::ValuesIn(kHeaderCases),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(ConfigReader, KeepsEqualKeysInTheOrderOfTheFile) {
+  const auto sections = Sections("[s]\nkey=1\na=0\nkey=2\nkey=1\n");
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString("a"), KVTString("0")),
+                          Pair(KVTString("key"), KVTString("1")),
+                          Pair(KVTString("key"), KVTString("2")),
+                          Pair(KVTString("key"), KVTString("1"))));
+}
+
+TEST(ConfigReader, DoesNotMergeSectionsOfOneName) {
+  const auto sections = Sections("[s]\nkey=1\n[s]\nkey=2\n");
+  ASSERT_EQ(sections.size(), 2u);
+  EXPECT_EQ(sections[0].mName, "s");
+  EXPECT_EQ(sections[1].mName, "s");
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString("key"), KVTString("1"))));
+  EXPECT_THAT(sections[1].mEntries,
+              ElementsAre(Pair(KVTString("key"), KVTString("2"))));
+}
+
+TEST(ConfigReader, KeepsTheCaseOfKeys) {
+  const auto sections = Sections("[s]\nKey=1\nKEY=2\n");
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString("KEY"), KVTString("2")),
+                          Pair(KVTString("Key"), KVTString("1"))));
+  EXPECT_EQ(sections[0].mEntries.count("key"), 0u);
+}
+
+TEST(ConfigReader, TakesAnEmptyFileAndAMissingOneAlike) {
+  const TemporaryDirectory directory;
+  WriteFile(directory.Path("empty"), "");
+  EXPECT_THAT(KVTConfigReader(directory.Text("empty")).GetConfiguration(),
+              IsEmpty());
+  EXPECT_THAT(KVTConfigReader(directory.Text("missing")).GetConfiguration(),
+              IsEmpty());
+  EXPECT_THAT(KVTConfigReader(KVTString()).GetConfiguration(), IsEmpty());
+  EXPECT_THAT(KVTConfigReader(directory.Text()).GetConfiguration(), IsEmpty());
+}
+
+TEST(ConfigReader, OpensAPathBeyondAsciiAndClosesItAgain) {
+  const TemporaryDirectory directory;
+  WriteFile(directory.Path("gr\xC3\xBC\xC3\x9F"
+                           "e \xF0\x9F\x98\x80"),
+            "[s]\n");
+  const auto descriptors = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                         std::filesystem::directory_iterator());
+  };
+  const auto before = descriptors();
+  KVTConfigReader reader(
+      directory.Text("gr\xC3\xBC\xC3\x9F"
+                     "e \xF0\x9F\x98\x80"));
+  ASSERT_EQ(reader.GetConfiguration().size(), 1u);
+  EXPECT_EQ(descriptors(), before);
+}
+
+TEST(ConfigReader, LeavesAStreamAtItsEnd) {
+  std::istringstream in("[s]\na=b");
+  KVTConfigReader reader(in);
+  EXPECT_TRUE(in.eof());
+  EXPECT_TRUE(in.fail());
+}
+
+TEST(ConfigReader, BeginsWhereTheStreamStands) {
+  std::istringstream in("[no]\n[s]\n");
+  std::string skipped;
+  std::getline(in, skipped);
+  KVTConfigReader reader(in);
+  ASSERT_EQ(reader.GetConfiguration().size(), 1u);
+  EXPECT_EQ(reader.GetConfiguration()[0].mName, "s");
+}
+
+TEST(ConfigReader, ReadsNothingFromAStreamThatHasFailed) {
+  for (const auto state : {std::ios::failbit, std::ios::badbit}) {
+    std::istringstream in("[s]\n");
+    in.setstate(state);
+    KVTConfigReader reader(in);
+    EXPECT_THAT(reader.GetConfiguration(), IsEmpty());
+  }
+}
+
+TEST(ConfigReader, ReadsFurtherSectionsBehindThoseItHas) {
+  std::istringstream first("[one]\na=1\n");
+  KVTConfigReader reader(first);
+  std::istringstream second("b=2\n[two]\nc=3\n");
+  reader.ReadConfiguration(second);
+  const auto& sections = reader.GetConfiguration();
+  ASSERT_EQ(sections.size(), 2u);
+  // What stands above the first header goes to the last section there is.
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString("a"), KVTString("1")),
+                          Pair(KVTString("b"), KVTString("2"))));
+  EXPECT_EQ(sections[1].mName, "two");
+}
+
+TEST(ConfigReader, HandsOutItsOwnVector) {
+  std::istringstream in("[s]\na=1\n");
+  KVTConfigReader reader(in);
+  EXPECT_EQ(&reader.GetConfiguration(), &reader.GetConfiguration());
+  reader.GetConfiguration()[0].mName = "changed";
+  reader.GetConfiguration()[0].mEntries.emplace("b", "2");
+  EXPECT_EQ(reader.GetConfiguration()[0].mName, "changed");
+  EXPECT_EQ(reader.GetConfiguration()[0].mEntries.size(), 2u);
+  reader.GetConfiguration().clear();
+  EXPECT_THAT(reader.GetConfiguration(), IsEmpty());
+}
+
+TEST(ConfigReader, TakesVeryLongLines) {
+  const std::string key(300000, 'k');
+  const std::string value(1 << 20, 'v');
+  const std::string name(200000, 'n');
+  const auto sections =
+      Sections("[" + name + "]\n" + key + "=" + value + "\n#" + value + "\n");
+  ASSERT_EQ(sections.size(), 1u);
+  EXPECT_EQ(sections[0].mName, KVTString(name.c_str()));
+  ASSERT_EQ(sections[0].mEntries.size(), 1u);
+  EXPECT_EQ(sections[0].mEntries.begin()->first, KVTString(key.c_str()));
+  EXPECT_EQ(sections[0].mEntries.begin()->second, KVTString(value.c_str()));
+}
+
+TEST(ConfigReader, TakesManySectionsWithTheirEntries) {
+  std::string text;
+  for (int i = 0; i < 5000; ++i) {
+    text += "[" + std::to_string(i) + "]\nkey=" + std::to_string(i * 7) + "\n";
+  }
+  const auto sections = Sections(text);
+  ASSERT_EQ(sections.size(), 5000u);
+  for (int i = 0; i < 5000; ++i) {
+    ASSERT_EQ(sections[i].mName, KVTString::ConvertIntToString(i));
+    ASSERT_THAT(sections[i].mEntries,
+                ElementsAre(Pair(KVTString("key"),
+                                 KVTString::ConvertIntToString(i * 7))));
+  }
+}
+
+// A stream whose buffer throws after some bytes.
+class BreakingBuffer : public std::stringbuf {
+ public:
+  explicit BreakingBuffer(const std::string& text) : std::stringbuf(text) {}
+
+ protected:
+  int_type underflow() override {
+    const int_type c = std::stringbuf::underflow();
+    if (c == traits_type::eof()) throw std::runtime_error("broken");
+    return c;
+  }
+};
+
+TEST(ConfigReader, KeepsWhatItHasWhenTheStreamBreaks) {
+  BreakingBuffer buffer("[one]\na=1\n[two]\nb=");
+  std::istream in(&buffer);
+  KVTConfigReader reader(in);
+  EXPECT_TRUE(in.bad());
+  ASSERT_EQ(reader.GetConfiguration().size(), 2u);
+  EXPECT_EQ(reader.GetConfiguration()[1].mName, "two");
+  EXPECT_THAT(reader.GetConfiguration()[1].mEntries, IsEmpty());
+}
+
+TEST(ConfigReader, LetsExceptionsOfTheStreamThrough) {
+  BreakingBuffer buffer("[one]\n");
+  std::istream in(&buffer);
+  in.exceptions(std::ios::badbit);
+  std::istringstream nothing;
+  KVTConfigReader reader(nothing);
+  EXPECT_THROW(reader.ReadConfiguration(in), std::runtime_error);
+  EXPECT_EQ(reader.GetConfiguration().size(), 1u);
+}
+
+struct TrimCase {
+  const char* name;  // part of the test's name: letters and digits only
+  const char* text;
+  const char* characters;
+  const char* result;
+};
+
+const TrimCase kTrimCases[] = {
+    {"Nothing", "", "", ""},
+    {"NoCharacters", " a ", "", " a "},
+    {"BothEnds", " \ta b\t ", " \t", "a b"},
+    {"FrontAlone", "xxa", "x", "a"},
+    {"BackAlone", "axx", "x", "a"},
+    {"InnerOnesStay", "xaxbx", "x", "axb"},
+    {"NothingElse", "xyxy", "xy", ""},
+    {"CaseCounts", "Xax", "x", "Xa"},
+    {"WholeCharacterBeyondAscii",
+     "\xC3\xA9"
+     "a\xC3\xA9",
+     "\xC3\xA9", "a"},
+    // By byte: of U+00E0 (C3 A0) the first byte goes, and the A0 that is left
+    // leads a sequence of two with the "a" (61): (A0 & 1F) << 6 | 61 & 3F = 21.
+    {"PartOfACharacterInFront",
+     "\xC3\xA0"
+     "ab",
+     "\xC3\xA9", "!b"},
+    // Of U+0129 (C4 A9) at the end the second byte goes; C4 alone is nothing.
+    {"PartOfACharacterAtTheEnd", "a\xC4\xA9", "\xC3\xA9", "a"},
+};
+
+void PrintTo(const TrimCase& c, std::ostream* out) { *out << c.name; }
+
+class ConfigTrim : public testing::TestWithParam<TrimCase> {};
+
+TEST_P(ConfigTrim, TakesTheBytesAwayAtBothEnds) {
+  std::istringstream nothing;
+  KVTConfigReader reader(nothing);
+  EXPECT_EQ(reader.TrimWhiteSpace(FromUtf8(GetParam().text),
+                                  FromUtf8(GetParam().characters)),
+            FromUtf8(GetParam().result));
+  EXPECT_THAT(reader.GetConfiguration(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, ConfigTrim, testing::ValuesIn(kTrimCases),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(ConfigTrimOfZeroUnits, StopsAtTheFirstThatIsLeft) {
+  std::istringstream nothing;
+  KVTConfigReader reader(nothing);
+  const KVTString& text = FromUnits({' ', 'a', 0, 'b', ' '});
+  EXPECT_EQ(reader.TrimWhiteSpace(text, " "), "a");
+  const KVTString& zero = FromUnits({0, 'a', 0});
+  EXPECT_EQ(reader.TrimWhiteSpace(zero, " "), "");
+  // A zero unit among the characters is one of them.
+  EXPECT_EQ(reader.TrimWhiteSpace(zero, FromUnits({0})), "a");
+}
+
+// Text in which what matters comes often.
+std::string RandomConfiguration(std::mt19937& random) {
+  static const std::string pieces[] = {"\n",
+                                       "\n",
+                                       "\n[",
+                                       "[",
+                                       "]",
+                                       "=",
+                                       "=",
+                                       "#",
+                                       ";",
+                                       " ",
+                                       "\t",
+                                       "\r",
+                                       "\r\n",
+                                       "a",
+                                       "b",
+                                       "B",
+                                       "zz",
+                                       "\v",
+                                       {'\0'},
+                                       "\xC3\xA9",
+                                       "\xC3",
+                                       "\xA9",
+                                       "\xC0\x80",
+                                       "\xE2\x82\xAC",
+                                       "\xF0\x9F\x98\x80",
+                                       "\xF8",
+                                       "\xEE\x80\x80",
+                                       "[s]\n",
+                                       "key=value\n"};
+  std::string text;
+  for (std::size_t count = random() % 60; count > 0; --count) {
+    text += pieces[random() % std::size(pieces)];
+  }
+  return text;
+}
+
+TEST(ConfigReaderModel, AgreesOverRandomText) {
+  const unsigned seed = RandomSeed();
+  SCOPED_TRACE(SeedTrace(seed));
+  std::mt19937 random(seed);
+  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+    const std::string text = RandomConfiguration(random);
+    std::istringstream in(text);
+    KVTConfigReader reader(in);
+    std::vector<ModelSection> model;
+    ModelReadConfiguration(text, model);
+    EXPECT_EQ(Show(ToModel(reader.GetConfiguration())), Show(model))
+        << testing::PrintToString(text);
+    if (i % 4 == 0) {
+      const std::string more = RandomConfiguration(random);
+      std::istringstream further(more);
+      reader.ReadConfiguration(further);
+      ModelReadConfiguration(more, model);
+      EXPECT_TRUE(ToModel(reader.GetConfiguration()) == model)
+          << testing::PrintToString(text + " and " + more);
+    }
+  }
+}
+
+TEST(ConfigReaderModel, TrimsLikeTheModel) {
+  const unsigned seed = RandomSeed();
+  SCOPED_TRACE(SeedTrace(seed));
+  std::mt19937 random(seed);
+  std::istringstream nothing;
+  KVTConfigReader reader(nothing);
+  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+    const KVTString text(RandomUnits(random, 8, true));
+    const KVTString characters(RandomUnits(random, 4, true));
+    EXPECT_TRUE(reader.TrimWhiteSpace(text, characters) ==
+                KVTString(ModelTrim(text, characters.GetUTF8String())))
+        << testing::PrintToString(text) << testing::PrintToString(characters);
+  }
+}
+
+}  // namespace
