@@ -131,12 +131,24 @@ class KVT_EXPORT KVTShareFileInternal {
 
   /// @}
 
+  /// @name What libcurl calls during a transfer over smb://
+  /// @{
+
+  /// The read function of an upload (CURLOPT_READFUNCTION): exactly
+  /// fread(3) from `stream`, a FILE*, and its result, which counts whole items
+  /// of `size` bytes.
   static size_t HandleWindowSMB1Read_CallBack(void* buffer, unsigned long size,
                                               unsigned long count,
                                               void* stream);
+
+  /// The write function of a download (CURLOPT_WRITEFUNCTION): exactly
+  /// fwrite(3) to `stream` and its result, which counts whole items of `size`
+  /// bytes.
   static size_t HandleWindowSMB1Write_CallBack(void* buffer, unsigned long size,
                                                unsigned long count,
                                                FILE* stream);
+
+  /// @}
 };
 
 /// Mounts shares with the kernel's CIFS client on the folders /mnt/orbmountZ
@@ -322,12 +334,70 @@ class KVT_EXPORT KVTShareFile : public MountManager {
 
   /// @}
 
+  /// @name Without a mount, for a server that knows only SMB 1
+  /// Nothing here falls back on these: a caller turns to them when SendFile()
+  /// has failed.
+  /// @{
+
+  /// Transfers one file to or from a share with libcurl's smb:// (SMB 1, NTLM
+  /// of the first version, port 445), in one attempt and without mounting.
+  ///
+  /// Exactly one side must be a share (IsSharePath()); its credentials are used
+  /// and the other's play no part.  Null credentials set no user at all, which
+  /// libcurl takes for a denied login; without a user or a password an empty
+  /// text is sent.  The URL of an upload is the text of `destination` with each
+  /// backslash turned into "/": an IPv6 address needs its brackets.  That of a download is what RefactorIPv6ForWindowSMB1() makes of `source`.
+  /// Nothing is percent-encoded.  An existing file is replaced, and folders
+  /// missing above the local target are made; a failed transfer leaves what had
+  /// come by then.
+  ///
+  /// `transferFile` false makes it a probe of the connection and the login,
+  /// which reads the remote file and leaves both sides as they are: towards a
+  /// share, the file that an upload would replace is read to standard output;
+  /// from a share, the file goes to "tempHandleWindowSMB1KVTShareFile" in the
+  /// working directory, which stays behind and is emptied by the next probe.
+  /// A probe fails where there is no remote file to read.  The stream of a
+  /// successful probe from a share stays open until the process ends.
+  ///
+  /// Returns
+  /// - 0 when done;
+  /// - 6 when the server denied the login (CURLE_LOGIN_DENIED);
+  /// - 1 otherwise: a `source` of two units or fewer, two shares, no libcurl
+  ///   handle, or no share (all with `error` left alone, the last leaking the
+  ///   handle); a failure on the local side, which `error` names; or any other
+  ///   failure of libcurl, its lack of smb:// included
+  ///   (CURLE_UNSUPPORTED_PROTOCOL, code 1).
+  ///
+  /// Whenever libcurl was asked, `error` becomes the line
+  /// "Curl return code  0 , curl response code 0" with the CURLcode and
+  /// CURLINFO_RESPONSE_CODE, after a success as well; with code 0 and result 1
+  /// the last bytes could not be written (fclose(3)), as on a full disk.
+  /// Otherwise it becomes "Unable to open file " or "Unable to create parent
+  /// directory for " with the path; the latter leaks the handle.
+  ///
+  /// The connection is given up after ten seconds; nothing limits what follows.
+  /// libcurl 7.88 waits for ever, and uses up a processor meanwhile, when the
+  /// server closes the connection in the middle of a transfer or the local file
+  /// has become shorter since it was opened.
+  ///
+  /// A thrown `char*` or `KVTString*` goes on to the caller with the same
+  /// pointer; after anything else the result is 1, with "Failed to send file
+  /// using SMB1 Share" where `error` is empty.  All of these leak the handle
+  /// and the stream.
+  ///
+  /// Calls may run on several threads at once, probes from a share only in
+  /// different working directories.
   int SendFileOnWindowSMB1(const KVTString& source,
                            KVTAuthentication* sourceAuth, bool transferFile,
                            const KVTString& destination,
                            KVTAuthentication* destinationAuth,
                            KVTString& error);
+
+  /// Does nothing and returns 0, whatever it is given.  Callers rely on the
+  /// success; the file stays.
   int DeleteFileOnWindowSMB1(const KVTString& path, KVTAuthentication* auth);
+
+  /// @}
 
   /// What Instance() returns; null until its first call.
   static KVTShareFile* mInstance;
