@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <type_traits>
 
 #include "KVTGUID.h"
@@ -49,6 +50,11 @@ TEST(KVTGUIDClass, HoldsFourFieldsInOrderAndAVirtualDestructor) {
   EXPECT_EQ(reinterpret_cast<const char*>(&id.mData2) - base, 12);
   EXPECT_EQ(reinterpret_cast<const char*>(&id.mData3) - base, 14);
   EXPECT_EQ(reinterpret_cast<const char*>(&id.mData4) - base, 16);
+}
+
+TEST(KVTGUIDClass, HasItsDestructorCalledThroughAPointer) {
+  const std::unique_ptr<KVTGUID> id(new KVTGUID);
+  EXPECT_EQ(id->mData1, 0);
 }
 
 TEST(KVTGUIDValue, IsAllZeroByDefault) {

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -177,6 +178,31 @@ TEST(KVTStringConstruction, StaysAsItIsWhenAssignedToItself) {
   KVTString& same = text;
   EXPECT_EQ(&(text = same), &text);
   EXPECT_THAT(text, ElementsAre(0x61, 0, 0x62));
+}
+
+// --- Memory
+
+TEST(KVTStringMemory, RunsOutWithTheStandardException) {
+  const std::string bytes(100, 'a');
+  const std::wstring wide(100, L'a');
+  const Units units(100, 'a');
+  const KVTString text(units);
+  KVTString changed("before", kUtf8);
+  const auto runsOut = [](auto operation) {
+    const hooks::FailingAllocator allocator(0);
+    EXPECT_THROW(operation(), std::bad_alloc);
+  };
+  runsOut([&] { KVTString(bytes.c_str(), kUtf8); });
+  runsOut([&] { KVTString(bytes.c_str(), kNarrow); });
+  runsOut([&] { KVTString(wide.c_str()); });
+  runsOut([&] { KVTString(units.c_str()); });
+  runsOut([&] { KVTString{units}; });
+  runsOut([&] { KVTString{text}; });
+  runsOut([&] { text.GetUTF8String(); });
+  runsOut([&] { text.GetWstring(); });
+  runsOut([&] { changed = text; });
+  runsOut([&] { changed += bytes.c_str(); });
+  EXPECT_EQ(changed, "before");
 }
 
 // --- Conversions and queries

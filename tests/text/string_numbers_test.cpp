@@ -226,6 +226,14 @@ TEST(KVTStringConvertInt, GivesHexadecimalDigitsOfTheTwosComplement) {
   EXPECT_EQ(KVTString::ConvertIntToHexString(LLONG_MAX), "7fffffffffffffff");
 }
 
+TEST(KVTStringConvertInt, GroupsDigitsOnlyWhereTheGlobalLocaleDoes) {
+  {
+    const GroupingLocale locale;
+    EXPECT_EQ(KVTString::ConvertIntToString(1234567), "1.234.567");
+  }
+  EXPECT_EQ(KVTString::ConvertIntToString(1234567), "1234567");
+}
+
 TEST(KVTStringConvertInt, IsReadBackByGetIntValue) {
   const unsigned seed = RandomSeed();
   SCOPED_TRACE(SeedTrace(seed));

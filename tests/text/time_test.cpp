@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -77,6 +78,11 @@ TEST(KVTTimeClass, HoldsOneFieldAndAVirtualDestructor) {
   EXPECT_TRUE(std::has_virtual_destructor_v<KVTTime>);
   EXPECT_EQ(sizeof(KVTTime), sizeof(void*) + sizeof(unsigned long long));
   EXPECT_TRUE((std::is_same_v<decltype(KVTTime::mTime), unsigned long long>));
+}
+
+TEST(KVTTimeClass, HasItsDestructorCalledThroughAPointer) {
+  const std::unique_ptr<KVTTime> time(new KVTTime(5));
+  EXPECT_EQ(time->mTime, 5u);
 }
 
 TEST(KVTTimeValue, IsNotSetByDefault) {
