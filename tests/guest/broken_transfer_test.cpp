@@ -1,0 +1,136 @@
+// Transfers that cannot end well.  A copy that moves no byte fails, and what it
+// made is removed; one that moves some bytes counts as done, and they stay.
+
+#include <sys/mount.h>
+
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <thread>
+
+#include "guest_test.h"
+#include "hooks.h"
+
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+
+// Without these the client may keep what it writes to itself, and each byte has
+// to cross to the server before the next one does.
+const std::vector<std::string> kNoCaching = {"oplocks = no",
+                                             "smb2 leases = no"};
+
+class BrokenTransfer : public GuestTest {
+ protected:
+  hooks::Scoped<decltype(hooks::onSleep)> mNoSleep{hooks::onSleep,
+                                                   [](unsigned) { return 0U; }};
+};
+
+// A folder that is a file system of its own, of `size` bytes in all.
+class SmallDisk {
+ public:
+  SmallDisk(const std::string& folder, std::size_t size) : mFolder(folder) {
+    std::filesystem::create_directory(folder);
+    const std::string options = "size=" + std::to_string(size);
+    EXPECT_EQ(mount("tmpfs", folder.c_str(), "tmpfs", 0, options.c_str()), 0);
+  }
+  ~SmallDisk() { EXPECT_EQ(umount2(mFolder.c_str(), MNT_DETACH), 0); }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+ private:
+  std::string mFolder;
+};
+
+void WaitForSize(const std::string& path, std::size_t size) {
+  const auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  std::error_code missing;
+  for (;;) {
+    const auto now = std::filesystem::file_size(path, missing);
+    if (!missing && now >= size) return;
+    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << path;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
+TEST_F(BrokenTransfer, WhatCrossedBeforeTheServerDiedStaysAndCountsAsDone) {
+  UseServer(kNoCaching);
+  MakeFile(Local("source"), 200 * kMegabyte);
+  std::filesystem::copy(Local("source"), OnServer("file"));
+  // Mounted first: the two threads then only read the library's table.
+  WriteFile(Local("small"), "x");
+  ASSERT_EQ(Send(Local("small"), "//127.0.0.1/docs/small"), (Outcome{0, ""}));
+
+  auto fetch = std::async(std::launch::async, [&] {
+    return Send("//127.0.0.1/docs/file", Local("back"));
+  });
+  auto send = std::async(std::launch::async, [&] {
+    return Send(Local("source"), "//127.0.0.1/docs/new");
+  });
+  WaitForSize(Local("back"), 8 * kMegabyte);
+  WaitForSize(OnServer("new"), 8 * kMegabyte);
+  KillServer();
+
+  EXPECT_EQ(fetch.get(), (Outcome{0, ""}));
+  EXPECT_EQ(send.get(), (Outcome{0, ""}));
+  EXPECT_LT(std::filesystem::file_size(Local("back")), 200 * kMegabyte);
+  EXPECT_LT(std::filesystem::file_size(OnServer("new")), 200 * kMegabyte);
+  EXPECT_TRUE(IsPrefixOf(Local("back"), Local("source")));
+  EXPECT_TRUE(IsPrefixOf(OnServer("new"), Local("source")));
+}
+
+TEST_F(BrokenTransfer, ToAFullServerLeavesNoFile) {
+  UseServer(kNoCaching);
+  MakeFile(Local("source"), kMegabyte);
+  const SmallDisk disk(OnServer("disk"), kMegabyte);
+  MakeFile(OnServer("disk/filler"), kMegabyte);
+
+  EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/disk/file"),
+            (Outcome{1, "Unable to copy file from " + Local("source") +
+                            " to /mnt/orbmountZ/disk/file"}));
+  EXPECT_FALSE(std::filesystem::exists(OnServer("disk/file")));
+
+  // With room for some of it, the beginning arrives and the call tells success.
+  std::filesystem::resize_file(OnServer("disk/filler"), kMegabyte / 2);
+  EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/disk/file"),
+            (Outcome{0, ""}));
+  EXPECT_EQ(std::filesystem::file_size(OnServer("disk/file")), kMegabyte / 2);
+  EXPECT_TRUE(IsPrefixOf(OnServer("disk/file"), Local("source")));
+}
+
+TEST_F(BrokenTransfer, ToAFullServerIsNotNoticedByAClientThatCaches) {
+  MakeFile(Local("source"), kMegabyte);
+  const SmallDisk disk(OnServer("disk"), kMegabyte);
+  MakeFile(OnServer("disk/filler"), kMegabyte);
+  EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/disk/file"),
+            (Outcome{0, ""}));
+  EXPECT_FALSE(SameBytes(OnServer("disk/file"), Local("source")));
+}
+
+TEST_F(BrokenTransfer, ToAFullLocalDiskLeavesNoFile) {
+  MakeFile(OnServer("source"), kMegabyte);
+  const SmallDisk disk(Local("disk"), kMegabyte);
+  MakeFile(Local("disk/filler"), kMegabyte);
+
+  EXPECT_EQ(Send("//127.0.0.1/docs/source", Local("disk/file")),
+            (Outcome{1, "Unable to copy file from /mnt/orbmountZ/source to " +
+                            Local("disk/file")}));
+  EXPECT_FALSE(std::filesystem::exists(Local("disk/file")));
+
+  std::filesystem::resize_file(Local("disk/filler"), kMegabyte / 2);
+  EXPECT_EQ(Send("//127.0.0.1/docs/source", Local("disk/file")),
+            (Outcome{0, ""}));
+  EXPECT_EQ(std::filesystem::file_size(Local("disk/file")), kMegabyte / 2);
+  EXPECT_TRUE(IsPrefixOf(Local("disk/file"), OnServer("source")));
+}
+
+TEST_F(BrokenTransfer, OfAMissingRemoteFileTakesTheOldLocalFileAway) {
+  WriteFile(Local("back"), "old");
+  EXPECT_EQ(Send("//127.0.0.1/docs/missing", Local("back")),
+            (Outcome{1, "Unable to copy file from /mnt/orbmountZ/missing to " +
+                            Local("back")}));
+  EXPECT_FALSE(std::filesystem::exists(Local("back")));
+}
+
+}  // namespace

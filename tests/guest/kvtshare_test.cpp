@@ -1,0 +1,87 @@
+// The program kvtshare against the real server.
+
+#include <filesystem>
+
+#include "guest_test.h"
+
+namespace {
+
+class KvtshareInGuest : public GuestTest {
+ protected:
+  KvtshareInGuest() { WriteFile(Local("source"), "by kvtshare"); }
+
+  ProgramRun Run(std::vector<std::string> arguments,
+                 const std::string& password = "secret") {
+    arguments.insert(arguments.begin(), KVTSHARE);
+    return RunProgram(arguments, {"SECRET=" + password});
+  }
+  ProgramRun RunAsRoot(std::vector<std::string> arguments,
+                       const std::string& password = "secret") {
+    arguments.insert(arguments.end(),
+                     {"--user", "root", "--password-env", "SECRET"});
+    return Run(arguments, password);
+  }
+};
+
+TEST_F(KvtshareInGuest, SendsFetchesAndDeletes) {
+  EXPECT_EQ(RunAsRoot({"send", Local("source"), R"(\\127.0.0.1\docs\a\file)"}),
+            (ProgramRun{0, "result: 0\n"}));
+  EXPECT_EQ(ReadFile(OnServer("a/file")), "by kvtshare");
+  EXPECT_EQ(RunAsRoot({"send", "smb://127.0.0.1/docs/a/file", Local("back")}),
+            (ProgramRun{0, "result: 0\n"}));
+  EXPECT_EQ(ReadFile(Local("back")), "by kvtshare");
+  EXPECT_EQ(RunAsRoot({"delete", "//127.0.0.1/docs/a/file"}),
+            (ProgramRun{0,
+                        "result: 0\ntext: \n//127.0.0.1/docs share location is "
+                        "already mounted.\n"}));
+  EXPECT_FALSE(std::filesystem::exists(OnServer("a/file")));
+}
+
+TEST_F(KvtshareInGuest, TakesThePasswordFromAFileAndSendsTheDomain) {
+  WriteFile(Local("password"), "secret\nno part of it\n");
+  EXPECT_EQ(
+      Run({"send", Local("source"), "//127.0.0.1/docs/file", "--user", "root",
+           "--domain", "WORKGROUP", "--password-file", Local("password")}),
+      (ProgramRun{0, "result: 0\n"}));
+  ASSERT_EQ(CifsMounts().size(), 1U);
+  EXPECT_NE(CifsMounts()[0].find(",domain=WORKGROUP,"), std::string::npos);
+}
+
+TEST_F(KvtshareInGuest, ShowsARefusedLoginAsItsExitStatus) {
+  EXPECT_EQ(
+      RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}, "wrong"),
+      (ProgramRun{6, "result: 6\n"}));
+  EXPECT_EQ(RunAsRoot({"delete", "//127.0.0.1/docs/file"}, "wrong").status, 6);
+}
+
+TEST_F(KvtshareInGuest, TellsWhenTheFileWentIntoALocalFolder) {
+  EXPECT_EQ(RunAsRoot({"send", Local("source"), "//127.0.0.9/docs/file"}),
+            (ProgramRun{
+                0,
+                "kvtshare: //127.0.0.9/docs is not mounted: the library worked "
+                "in the local folder /mnt/orbmountZ\nresult: 0\n"}));
+  EXPECT_EQ(ReadFile("/mnt/orbmountZ/file"), "by kvtshare");
+}
+
+TEST_F(KvtshareInGuest, UnmountsOneFolder) {
+  ASSERT_EQ(
+      RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}).status, 0);
+  EXPECT_EQ(Run({"unmount", kFirstFolder}), (ProgramRun{0, "result: 0\n"}));
+  EXPECT_TRUE(CifsMounts().empty());
+  EXPECT_EQ(Run({"unmount", kFirstFolder}), (ProgramRun{1, "result: 1\n"}));
+}
+
+TEST_F(KvtshareInGuest, UnmountsEveryShareWhicheverProcessMountedIt) {
+  ASSERT_EQ(
+      RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}).status, 0);
+  ASSERT_EQ(RunAsRoot({"send", Local("source"), "//[::1]/docs/file"}).status,
+            0);
+  EXPECT_EQ(Run({"unmount", "--all"}),
+            (ProgramRun{0,
+                        "/mnt/orbmountZ (//127.0.0.1/docs): result: 0\n"
+                        "/mnt/orbmountY (//::1/docs): result: 0\n"}));
+  EXPECT_TRUE(CifsMounts().empty());
+  EXPECT_EQ(Run({"unmount", "--all"}), (ProgramRun{0, ""}));
+}
+
+}  // namespace
