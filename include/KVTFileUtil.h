@@ -3,8 +3,8 @@
 ///
 /// Paths go to libc as UTF-8.  There is no state and no lock; what another
 /// process does to the disk in the middle of a call is not guarded against.
-/// Failures come back as results, without a reason; where nothing else is said a
-/// call may throw std::bad_alloc when memory runs out.
+/// Failures come back as results, without a reason; where nothing else is said
+/// a call may throw std::bad_alloc when memory runs out.
 
 #ifndef KVTFILEUTIL_H
 #define KVTFILEUTIL_H
@@ -18,8 +18,8 @@
 #include "KVTFile.h"
 #include "KVTString.h"
 
-/// The proxy of KVTFileUtil::GetFile.  The texts belong to the caller, who keeps
-/// them alive over the call; libcurl makes copies of its own.
+/// The proxy of KVTFileUtil::GetFile.  The texts belong to the caller, who
+/// keeps them alive over the call; libcurl makes copies of its own.
 struct proxy {
   /// Non-zero: use the proxy.  Zero: the other two fields are not read.
   int enabled;

@@ -64,8 +64,8 @@ bool KVTFileUtil::CopyFile(const KVTFile& source, const KVTFile& target,
   // A file that cannot be opened shows in the result of sendfile.  Callers rely
   // on the target keeping its mode and, behind the new bytes, its tail.
   const int from = open(sourcePath.GetUTF8String().c_str(), O_RDONLY);
-  const int to = open(targetPath.GetUTF8String().c_str(), O_WRONLY | O_CREAT,
-                      kFileMode);
+  const int to =
+      open(targetPath.GetUTF8String().c_str(), O_WRONLY | O_CREAT, kFileMode);
   struct stat status = {};
   fstat(from, &status);
   // Callers rely on one call being all: a transfer that the kernel cuts short

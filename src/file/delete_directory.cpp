@@ -16,8 +16,7 @@ void RemoveEntries(const std::string& path) {
   DIR* const directory = opendir(path.c_str());
   if (directory == nullptr) return;
   while (const dirent* entry = readdir(directory)) {
-    snprintf(entryPath, sizeof entryPath, "%s/%s", path.c_str(),
-             entry->d_name);
+    snprintf(entryPath, sizeof entryPath, "%s/%s", path.c_str(), entry->d_name);
     remove(entryPath);
   }
 }

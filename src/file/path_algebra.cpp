@@ -102,8 +102,9 @@ bool KVTFile::RemoveName() {
   const unsigned int separators = EndsWith(mPath, separator) ? 2 : 1;
   // Callers rely on a path too short for the subtraction staying as it is, and
   // on true all the same.
-  mPath = SubString(mPath, 0, Length(mPath) - Length(GetName()) -
-                                  separators * Length(separator));
+  mPath = SubString(
+      mPath, 0,
+      Length(mPath) - Length(GetName()) - separators * Length(separator));
   return true;
 }
 
@@ -135,8 +136,7 @@ KVTString KVTFile::GetFileNameFromURL(bool keepExtension) const {
   if (keepExtension) return SubString(mPath, start, Length(mPath));
   const KVTString extension = GetExtension();
   if (extension.empty()) return SubString(mPath, start, Length(mPath) - start);
-  return SubString(mPath, start,
-                   Length(mPath) - 1 - Length(extension) - start);
+  return SubString(mPath, start, Length(mPath) - 1 - Length(extension) - start);
 }
 
 KVTString KVTFile::RemoveFileExtension(const KVTString& text) {

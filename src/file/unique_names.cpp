@@ -14,9 +14,7 @@ constexpr std::size_t kNameBytes = 2048;
 unsigned int Random() { return static_cast<unsigned int>(rand()); }
 
 // The twelve low bits, with the mark of a version 4 identifier set.
-unsigned int Version4(unsigned int random) {
-  return (random & 0xFFF) | 0x4000;
-}
+unsigned int Version4(unsigned int random) { return (random & 0xFFF) | 0x4000; }
 
 // Callers rely on the seed, of one second's resolution: within a second the
 // same name comes again.

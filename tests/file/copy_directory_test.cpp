@@ -85,8 +85,7 @@ TEST_F(CopyDirectory, DoesNothingWhereThePreconditionsDoNotHold) {
 TEST_F(CopyDirectory, TakesAnotherTextForAnotherDirectory) {
   const hooks::RecordedCommands commands;
   EXPECT_TRUE(Copy("s", "s/", true));
-  EXPECT_EQ(commands.All(),
-            Texts{"cp -R " + Path("s") + "/* " + Path("s/")});
+  EXPECT_EQ(commands.All(), Texts{"cp -R " + Path("s") + "/* " + Path("s/")});
 }
 
 // --- With subdirectories

@@ -115,9 +115,8 @@ TEST_F(CopyFile, OpensTheTargetWithoutTruncationOrExclusion) {
   const Opens opens;
   EXPECT_TRUE(KVTFileUtil::CopyFile(mSource, mTarget, true));
   EXPECT_EQ(opens.All(),
-            (std::vector<Opened>{
-                {Path("source"), O_RDONLY, 0},
-                {Path("target"), O_WRONLY | O_CREAT, 0644}}));
+            (std::vector<Opened>{{Path("source"), O_RDONLY, 0},
+                                 {Path("target"), O_WRONLY | O_CREAT, 0644}}));
 }
 
 TEST_F(CopyFile, OpensNothingWhereAPathIsEmptyOrADirectory) {
@@ -188,14 +187,15 @@ TEST_F(CopyFile, CallsSendfileOnceWithTheSizeOfTheSource) {
   // Nothing is moved: 3 GiB of a file without blocks.
   ASSERT_EQ(truncate(Path("source").c_str(), 0xC0000000), 0);
   std::vector<std::size_t> counts;
-  hooks::Scoped hook(hooks::onSendfile, [&](int to, int from, off_t* offset,
-                                            std::size_t count) -> ssize_t {
-    EXPECT_GE(to, 0);
-    EXPECT_GE(from, 0);
-    EXPECT_EQ(offset, nullptr);
-    counts.push_back(count);
-    return 0x7FFFF000;  // what the kernel ends one call at
-  });
+  hooks::Scoped hook(
+      hooks::onSendfile,
+      [&](int to, int from, off_t* offset, std::size_t count) -> ssize_t {
+        EXPECT_GE(to, 0);
+        EXPECT_GE(from, 0);
+        EXPECT_EQ(offset, nullptr);
+        counts.push_back(count);
+        return 0x7FFFF000;  // what the kernel ends one call at
+      });
   EXPECT_TRUE(KVTFileUtil::CopyFile(mSource, mTarget, true));
   EXPECT_EQ(counts, std::vector<std::size_t>{0xC0000000});
 }
@@ -220,12 +220,13 @@ TEST_F(CopyFile, IsTrueWhenNothingWasTransferred) {
 }
 
 TEST_F(CopyFile, LeavesTheTargetOfAFailedTransfer) {
-  hooks::Scoped hook(hooks::onSendfile, [](int to, int from, off_t* offset,
-                                           std::size_t) -> ssize_t {
-    hooks::RealSendfile(to, from, offset, 3);
-    errno = EIO;
-    return -1;
-  });
+  hooks::Scoped hook(
+      hooks::onSendfile,
+      [](int to, int from, off_t* offset, std::size_t) -> ssize_t {
+        hooks::RealSendfile(to, from, offset, 3);
+        errno = EIO;
+        return -1;
+      });
   EXPECT_FALSE(KVTFileUtil::CopyFile(mSource, mTarget, true));
   EXPECT_EQ(ReadFile(Path("target")), "012");
   EXPECT_EQ(ReadFile(Path("source")), "0123456789");
@@ -240,14 +241,14 @@ TEST_F(CopyFile, FailsWhereTheTargetCannotBeOpened) {
 }
 
 TEST_F(CopyFile, LeavesANewTargetWhereTheSourceCannotBeOpened) {
-  hooks::Scoped hook(hooks::onOpen, [this](const char* path, int flags,
-                                           mode_t mode) {
-    if (path == Path("source")) {
-      errno = EACCES;
-      return -1;
-    }
-    return hooks::RealOpen(path, flags, mode);
-  });
+  hooks::Scoped hook(hooks::onOpen,
+                     [this](const char* path, int flags, mode_t mode) {
+                       if (path == Path("source")) {
+                         errno = EACCES;
+                         return -1;
+                       }
+                       return hooks::RealOpen(path, flags, mode);
+                     });
   EXPECT_FALSE(KVTFileUtil::CopyFile(mSource, mTarget, true));
   EXPECT_EQ(ReadFile(Path("target")), "");
 }
@@ -342,7 +343,8 @@ TEST_F(MoveFile, WorksAcrossFileSystems) {
 using CopyFileCreateDir = Copying;
 
 TEST_F(CopyFileCreateDir, MakesTheDirectoryAndItsParents) {
-  EXPECT_TRUE(KVTFileUtil::CopyFileCreateDir(mSource, File("a/b/target"), true));
+  EXPECT_TRUE(
+      KVTFileUtil::CopyFileCreateDir(mSource, File("a/b/target"), true));
   EXPECT_EQ(ReadFile(Path("a/b/target")), "0123456789");
 }
 

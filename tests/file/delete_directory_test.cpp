@@ -9,21 +9,23 @@
 #include <vector>
 
 #include "KVTFileUtil.h"
+#include "allowed_leaks.h"
 #include "hooks.h"
 #include "open_descriptors.h"
 #include "special_files.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
-// DeleteDirectory leaves the directory it has read open, which LeakSanitizer
-// sees as the lost memory of opendir.
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:KVTFileUtil::DeleteDirectory\n";
-}
-
 namespace {
 
 namespace fs = std::filesystem;
+
+// DeleteDirectory keeps the directory it has read open: the memory of opendir
+// is lost on purpose.
+bool DeleteDirectory(const KVTFile& directory, bool deleteContents) {
+  const AllowedLeaks handle;
+  return KVTFileUtil::DeleteDirectory(directory, deleteContents);
+}
 
 // A directory below `parent` whose path has `length` bytes in all.
 std::string MakeDirectoryOfLength(const std::string& parent,
@@ -43,8 +45,7 @@ TEST(DeleteDirectory, ReturnsFalseWhenAnEmptyDirectoryIsGone) {
   const TemporaryDirectory directory;
   for (const bool deleteContents : {false, true}) {
     fs::create_directory(directory.Path("d"));
-    EXPECT_FALSE(
-        KVTFileUtil::DeleteDirectory(directory.File("d"), deleteContents));
+    EXPECT_FALSE(DeleteDirectory(directory.File("d"), deleteContents));
     EXPECT_FALSE(fs::exists(directory.Path("d")));
   }
 }
@@ -52,7 +53,7 @@ TEST(DeleteDirectory, ReturnsFalseWhenAnEmptyDirectoryIsGone) {
 TEST(DeleteDirectory, ReturnsTrueForADirectoryWithContentsThatStays) {
   const TemporaryDirectory directory;
   WriteFile(directory.Path("f"), "");
-  EXPECT_TRUE(KVTFileUtil::DeleteDirectory(directory.File(), false));
+  EXPECT_TRUE(DeleteDirectory(directory.File(), false));
   EXPECT_TRUE(fs::exists(directory.Path("f")));
 }
 
@@ -66,7 +67,7 @@ TEST(DeleteDirectory, RemovesFilesLinksAndEmptyDirectoriesWithIt) {
   fs::create_symlink("../outside", directory.Path("d/link"));
   fs::create_symlink("missing", directory.Path("d/dangling"));
   MakeSocket(directory.Path("d/socket"));
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File("d"), true));
+  EXPECT_FALSE(DeleteDirectory(directory.File("d"), true));
   EXPECT_FALSE(fs::exists(directory.Path("d")));
   EXPECT_TRUE(fs::exists(directory.Path("outside")));
 }
@@ -76,7 +77,7 @@ TEST(DeleteDirectory, ReachesOneLevelOnly) {
   fs::create_directories(directory.Path("d/sub"));
   WriteFile(directory.Path("d/sub/kept"), "");
   WriteFile(directory.Path("d/f"), "");
-  EXPECT_TRUE(KVTFileUtil::DeleteDirectory(directory.File("d"), true));
+  EXPECT_TRUE(DeleteDirectory(directory.File("d"), true));
   EXPECT_TRUE(fs::exists(directory.Path("d/sub/kept")));
   EXPECT_FALSE(fs::exists(directory.Path("d/f")));
 }
@@ -101,7 +102,7 @@ TEST(DeleteDirectory, RemovesEachEntryInOrderAndThenTheDirectory) {
     removed.push_back(path);
     return -1;
   });
-  EXPECT_TRUE(KVTFileUtil::DeleteDirectory(directory.File(), true));
+  EXPECT_TRUE(DeleteDirectory(directory.File(), true));
   EXPECT_EQ(removed, expected);
 }
 
@@ -111,7 +112,7 @@ TEST(DeleteDirectory, GoesByTheRemovalOfTheDirectoryAlone) {
   hooks::Scoped hook(hooks::onRemove, [&directory](const char* path) {
     return path == directory.Path() ? 0 : -1;
   });
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File(), true));
+  EXPECT_FALSE(DeleteDirectory(directory.File(), true));
 }
 
 TEST(DeleteDirectory, RemovesADirectoryThatCannotBeOpened) {
@@ -121,7 +122,7 @@ TEST(DeleteDirectory, RemovesADirectoryThatCannotBeOpened) {
     errno = EACCES;
     return nullptr;
   });
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File("d"), true));
+  EXPECT_FALSE(DeleteDirectory(directory.File("d"), true));
   EXPECT_FALSE(fs::exists(directory.Path("d")));
 }
 
@@ -129,11 +130,9 @@ TEST(DeleteDirectory, ReturnsTrueForWhatIsNoDirectory) {
   const TemporaryDirectory directory;
   WriteFile(directory.Path("f"), "");
   for (const bool deleteContents : {false, true}) {
-    EXPECT_TRUE(KVTFileUtil::DeleteDirectory(KVTFile(), deleteContents));
-    EXPECT_TRUE(
-        KVTFileUtil::DeleteDirectory(directory.File("f"), deleteContents));
-    EXPECT_TRUE(KVTFileUtil::DeleteDirectory(directory.File("missing"),
-                                             deleteContents));
+    EXPECT_TRUE(DeleteDirectory(KVTFile(), deleteContents));
+    EXPECT_TRUE(DeleteDirectory(directory.File("f"), deleteContents));
+    EXPECT_TRUE(DeleteDirectory(directory.File("missing"), deleteContents));
   }
   EXPECT_TRUE(fs::exists(directory.Path("f")));
 }
@@ -141,7 +140,7 @@ TEST(DeleteDirectory, ReturnsTrueForWhatIsNoDirectory) {
 TEST(DeleteDirectory, TakesASocketForADirectory) {
   const TemporaryDirectory directory;
   MakeSocket(directory.Path("socket"));
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File("socket"), true));
+  EXPECT_FALSE(DeleteDirectory(directory.File("socket"), true));
   EXPECT_FALSE(fs::exists(directory.Path("socket")));
 }
 
@@ -152,10 +151,10 @@ TEST(DeleteDirectory, ActsOn512UnitsAndTouchesNothingOn513) {
   WriteFile(path + "/f", "");
 
   const KVTFile withSeparator(FromUtf8(path + "/"));
-  EXPECT_TRUE(KVTFileUtil::DeleteDirectory(withSeparator, true));
+  EXPECT_TRUE(DeleteDirectory(withSeparator, true));
   EXPECT_TRUE(fs::exists(path + "/f"));
 
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(KVTFile(FromUtf8(path)), true));
+  EXPECT_FALSE(DeleteDirectory(KVTFile(FromUtf8(path)), true));
   EXPECT_FALSE(fs::exists(path));
 }
 
@@ -164,8 +163,7 @@ TEST(DeleteDirectory, RefusesARealDirectoryOf513Units) {
   const std::string path = MakeDirectoryOfLength(directory.Path(), 513);
   ASSERT_EQ(path.size(), 513u);
   for (const bool deleteContents : {false, true}) {
-    EXPECT_TRUE(
-        KVTFileUtil::DeleteDirectory(KVTFile(FromUtf8(path)), deleteContents));
+    EXPECT_TRUE(DeleteDirectory(KVTFile(FromUtf8(path)), deleteContents));
   }
   EXPECT_TRUE(fs::exists(path));
 }
@@ -192,7 +190,7 @@ TEST(DeleteDirectory, CutsTheNamesOfEntriesAfter1023Bytes) {
       removed.push_back(name);
       return hooks::RealRemove(name);
     });
-    EXPECT_TRUE(KVTFileUtil::DeleteDirectory(KVTFile(FromUtf8(path)), true));
+    EXPECT_TRUE(DeleteDirectory(KVTFile(FromUtf8(path)), true));
   }
   ASSERT_EQ(removed.size(), 4u);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(removed[i], path.substr(0, 1023));
@@ -205,7 +203,7 @@ TEST(DeleteDirectory, LeavesOneDescriptorOpenForEachDeletionOfContents) {
   const std::size_t before = OpenDescriptors();
   for (std::size_t calls = 1; calls <= 5; ++calls) {
     fs::create_directory(directory.Path("d"));
-    EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File("d"), true));
+    EXPECT_FALSE(DeleteDirectory(directory.File("d"), true));
     EXPECT_EQ(OpenDescriptors(), before + calls);
   }
 }
@@ -214,8 +212,8 @@ TEST(DeleteDirectory, LeavesNoDescriptorOpenWhereContentsStay) {
   const TemporaryDirectory directory;
   const std::size_t before = OpenDescriptors();
   fs::create_directory(directory.Path("d"));
-  EXPECT_FALSE(KVTFileUtil::DeleteDirectory(directory.File("d"), false));
-  EXPECT_TRUE(KVTFileUtil::DeleteDirectory(directory.File("missing"), true));
+  EXPECT_FALSE(DeleteDirectory(directory.File("d"), false));
+  EXPECT_TRUE(DeleteDirectory(directory.File("missing"), true));
   EXPECT_EQ(OpenDescriptors(), before);
 }
 

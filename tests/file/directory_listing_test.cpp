@@ -23,7 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
@@ -38,11 +37,11 @@ struct Pattern {
 // The bare names that match; fails the test when the call does.
 Names List(const KVTString& directory, const Pattern& pattern) {
   Names names;
-  EXPECT_EQ(KVTFileUtil::GetFileNamesInDirectory(
-                directory, FromUtf8(pattern.startsWith),
-                FromUtf8(pattern.contains), FromUtf8(pattern.extension), names,
-                false),
-            0);
+  EXPECT_EQ(
+      KVTFileUtil::GetFileNamesInDirectory(
+          directory, FromUtf8(pattern.startsWith), FromUtf8(pattern.contains),
+          FromUtf8(pattern.extension), names, false),
+      0);
   return names;
 }
 
@@ -115,9 +114,10 @@ TEST_F(Listing, ListsLinksSocketsAndPipes) {
   fs::create_symlink("missing", mDirectory.Path("dangling"));
   MakeSocket(mDirectory.Path("socket"));
   ASSERT_EQ(mkfifo(mDirectory.Path("pipe").c_str(), 0600), 0);
-  EXPECT_THAT(List({"", "", ""}),
-              UnorderedElementsAre(FromUtf8("toDirectory"), FromUtf8("dangling"),
-                                   FromUtf8("socket"), FromUtf8("pipe")));
+  EXPECT_THAT(
+      List({"", "", ""}),
+      UnorderedElementsAre(FromUtf8("toDirectory"), FromUtf8("dangling"),
+                           FromUtf8("socket"), FromUtf8("pipe")));
 }
 
 TEST_F(Listing, TakesAnEntryOfUnknownTypeForAFile) {
@@ -195,12 +195,13 @@ TEST_F(Listing, WithAnExtensionNothingFollowsWhatIsContained) {
               UnorderedElementsAre(FromUtf8("alog.txt"), FromUtf8("log.txt")));
 }
 
-TEST_F(Listing, WithoutAnExtensionTheContainedTextStandsAnywhereBehindTheStart) {
+TEST_F(Listing,
+       WithoutAnExtensionTheContainedTextStandsAnywhereBehindTheStart) {
   Make({"log", "alog", "alogb", "logA", "aLOGb.txt", "lo"});
-  EXPECT_THAT(List({"", "log", ""}),
-              UnorderedElementsAre(FromUtf8("log"), FromUtf8("alog"),
-                                   FromUtf8("alogb"), FromUtf8("logA"),
-                                   FromUtf8("aLOGb.txt")));
+  EXPECT_THAT(
+      List({"", "log", ""}),
+      UnorderedElementsAre(FromUtf8("log"), FromUtf8("alog"), FromUtf8("alogb"),
+                           FromUtf8("logA"), FromUtf8("aLOGb.txt")));
   EXPECT_THAT(List({"a", "log", ""}),
               UnorderedElementsAre(FromUtf8("alog"), FromUtf8("alogb"),
                                    FromUtf8("aLOGb.txt")));
@@ -248,8 +249,7 @@ TEST_F(Listing, AgreesWithTheModelOnEveryCombinationOfPatterns) {
           if (GlobMatches(glob, name)) expected.push_back(FromUtf8(name));
         }
         matches += static_cast<int>(expected.size());
-        EXPECT_THAT(List(pattern),
-                    testing::UnorderedElementsAreArray(expected))
+        EXPECT_THAT(List(pattern), testing::UnorderedElementsAreArray(expected))
             << glob;
       }
     }

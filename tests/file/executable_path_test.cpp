@@ -27,9 +27,7 @@ class Executable {
                 return static_cast<ssize_t>(count);
               }) {}
 
-  KVTString Path() const {
-    return KVTFileUtil::GetCurrentExecutablePath(true);
-  }
+  KVTString Path() const { return KVTFileUtil::GetCurrentExecutablePath(true); }
   KVTString Directory() const {
     return KVTFileUtil::GetCurrentExecutablePath(false);
   }
@@ -41,8 +39,7 @@ class Executable {
 TEST(ExecutablePath, IsThatOfThisProgram) {
   const std::filesystem::path self =
       std::filesystem::read_symlink("/proc/self/exe");
-  EXPECT_EQ(KVTFileUtil::GetCurrentExecutablePath(true),
-            self.string().c_str());
+  EXPECT_EQ(KVTFileUtil::GetCurrentExecutablePath(true), self.string().c_str());
   EXPECT_EQ(KVTFileUtil::GetCurrentExecutablePath(false),
             self.parent_path().string().c_str());
 }

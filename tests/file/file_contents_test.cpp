@@ -24,9 +24,8 @@ class FileContents : public testing::Test {
  protected:
   std::string Path() const { return mDirectory.Path("f"); }
   KVTString Read() const {
-    return KVTString(
-        static_cast<const Units&>(KVTFileUtil::GetFileContents(
-            mDirectory.Text("f"))));
+    return KVTString(static_cast<const Units&>(
+        KVTFileUtil::GetFileContents(mDirectory.Text("f"))));
   }
   KVTString ReadOf(const std::string& content) const {
     WriteFile(Path(), content);
@@ -51,7 +50,9 @@ TEST_F(FileContents, EndAtTheFirstZeroByte) {
 
 TEST_F(FileContents, AreDecodedAsTheStringDoesIt) {
   // A byte-order mark stays; a sequence cut off by the end gives nothing.
-  EXPECT_EQ(ReadOf("\xEF\xBB\xBF" "a"), FromUnits({0xFEFF, 'a'}));
+  EXPECT_EQ(ReadOf("\xEF\xBB\xBF"
+                   "a"),
+            FromUnits({0xFEFF, 'a'}));
   EXPECT_EQ(ReadOf("a\xE2\x82"), FromUtf8("a\xE2\x82"));
   // Every byte but zero.
   std::string binary;
@@ -60,7 +61,9 @@ TEST_F(FileContents, AreDecodedAsTheStringDoesIt) {
 }
 
 TEST_F(FileContents, KeepAZeroUnitThatAnOverlongSequenceGives) {
-  EXPECT_EQ(ReadOf("a\xC0\x80" "b"), FromUnits({'a', 0, 'b'}));
+  EXPECT_EQ(ReadOf("a\xC0\x80"
+                   "b"),
+            FromUnits({'a', 0, 'b'}));
 }
 
 TEST_F(FileContents, AreEmptyWhereThereIsNoFileToRead) {

@@ -41,7 +41,8 @@ void ExpectQueriesAgree(const Units& path) {
     ExpectUnits(file.GetParentPath(keep), path_model::Parent(path, '/', keep),
                 "GetParentPath", path);
     ExpectUnits(file.GetLinuxParentPath(keep),
-                path_model::Parent(path, '/', keep), "GetLinuxParentPath", path);
+                path_model::Parent(path, '/', keep), "GetLinuxParentPath",
+                path);
     ExpectUnits(file.GetWinParentPath(keep),
                 path_model::Parent(path, '\\', keep), "GetWinParentPath", path);
     ExpectUnits(file.GetFileNameFromURL(keep),
@@ -88,9 +89,8 @@ TEST(PathAlgebraModel, AgreesOnTheQueriesOfEveryShortPath) {
 }
 
 TEST(PathAlgebraModel, AgreesOnTheChangesOfEveryShortPath) {
-  const std::vector<Units> arguments = {ToUnits(""), ToUnits("b"),
-                                        ToUnits(".x"), ToUnits("/"),
-                                        ToUnits("c:")};
+  const std::vector<Units> arguments = {
+      ToUnits(""), ToUnits("b"), ToUnits(".x"), ToUnits("/"), ToUnits("c:")};
   ForEveryPath([&arguments](const Units& path) {
     for (const Units& argument : arguments) ExpectChangesAgree(path, argument);
   });

@@ -89,9 +89,15 @@ struct NewNameCase {
 };
 
 const NewNameCase kRefusedNames[] = {
-    {"Star", "g*"},        {"QuestionMark", "g?"}, {"Backslash", "g\\h"},
-    {"LessThan", "<g"},    {"Quote", "g\""},       {"GreaterThan", "g>"},
-    {"Bar", "g|h"},        {"SeparatorAlone", "/"}, {"NoNameLast", "d//"},
+    {"Star", "g*"},
+    {"QuestionMark", "g?"},
+    {"Backslash", "g\\h"},
+    {"LessThan", "<g"},
+    {"Quote", "g\""},
+    {"GreaterThan", "g>"},
+    {"Bar", "g|h"},
+    {"SeparatorAlone", "/"},
+    {"NoNameLast", "d//"},
     {"IllegalLast", "d/*"},
     // Valid, but rename(2) does not take it.
     {"SeparatorBehindTheName", "g/"},

@@ -58,7 +58,8 @@ const RandomCase kRandomCases[] = {
     {"AboveTwelveBits",
      {0x1ABC, 0x2ABC, 16382, 0x4ABC, 0x5DEF, 0x6ABC},
      "6abc-4def-4abc-bffe-2abc4abc"},
-    {"ModuloWraps", {0x1000, 0, 16383, 0xF000, 0x7000, 0},
+    {"ModuloWraps",
+     {0x1000, 0, 16383, 0xF000, 0x7000, 0},
      "0-4000-4000-8000-04000"},
 };
 
@@ -126,17 +127,17 @@ TEST(UniqueDirectory, HasANameOfFiveGroups) {
   const TemporaryDirectory directory;
   const KVTFile made = KVTFileUtil::CreateUniqueDirectory(
       directory.Text(), FromUtf8("\xC3\xA4."));
-  EXPECT_THAT(
-      made.GetName().GetUTF8String(),
-      MatchesRegex("\xC3\xA4\\.[0-9a-f]{1,8}-4[0-9a-f]{3}-4[0-9a-f]{3}-"
-                   "[89ab][0-9a-f]{3}-[0-9a-f]{1,8}4[0-9a-f]{3}"));
+  EXPECT_THAT(made.GetName().GetUTF8String(),
+              MatchesRegex("\xC3\xA4\\.[0-9a-f]{1,8}-4[0-9a-f]{3}-4[0-9a-f]{3}-"
+                           "[89ab][0-9a-f]{3}-[0-9a-f]{1,8}4[0-9a-f]{3}"));
   EXPECT_EQ(made.GetParentPath(false), directory.Text());
 }
 
 TEST(UniqueDirectory, HasMode0775UnderTheUmask) {
   const TemporaryDirectory directory;
   const Umask none(0);
-  const KVTFile open = KVTFileUtil::CreateUniqueDirectory(directory.Text(), "a");
+  const KVTFile open =
+      KVTFileUtil::CreateUniqueDirectory(directory.Text(), "a");
   const Umask mask(027);
   const KVTFile closed =
       KVTFileUtil::CreateUniqueDirectory(directory.Text(), "b");
@@ -260,8 +261,7 @@ TEST_F(UniqueFile, IsNotMadeWhereTheDirectoryIsNone) {
     return hooks::RealMkstemp(pattern);
   });
   for (const char* directory : {"", "/tmp/missing", "/tmp/target/f"}) {
-    EXPECT_FALSE(
-        KVTFileUtil::CreateUniqueFile(directory, "p", "e").HasPath());
+    EXPECT_FALSE(KVTFileUtil::CreateUniqueFile(directory, "p", "e").HasPath());
   }
   EXPECT_EQ(calls, 0);
   EXPECT_THAT(Names(), IsEmpty());
@@ -274,7 +274,8 @@ TEST_F(UniqueFile, IsEmptyWhereNoFileCanBeMade) {
     errno = EEXIST;
     return -1;
   });
-  EXPECT_FALSE(KVTFileUtil::CreateUniqueFile("/tmp/target", "p", "e").HasPath());
+  EXPECT_FALSE(
+      KVTFileUtil::CreateUniqueFile("/tmp/target", "p", "e").HasPath());
   EXPECT_FALSE(KVTFileUtil::CreateUniqueTemporaryFile("p", "e").HasPath());
   EXPECT_THAT(patterns, ElementsAre("/tmp/XXXXXX", "/tmp/XXXXXX"));
 }

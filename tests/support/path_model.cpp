@@ -8,7 +8,8 @@ namespace {
 long LastIndex(const Units& text, char unit) {
   long last = -1;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == static_cast<unsigned char>(unit)) last = static_cast<long>(i);
+    if (text[i] == static_cast<unsigned char>(unit))
+      last = static_cast<long>(i);
   }
   return last;
 }
@@ -43,7 +44,8 @@ Units Parent(const Units& path, char separator, bool keepSeparator) {
 }
 
 Units Name(const Units& path) {
-  const Units seen = EndsInSeparator(path) ? First(path, Length(path) - 1) : path;
+  const Units seen =
+      EndsInSeparator(path) ? First(path, Length(path) - 1) : path;
   return Behind(seen, LastIndex(seen, '/'));
 }
 

@@ -30,8 +30,8 @@ void MakeSocket(const std::string& path) {
   path.copy(address.sun_path, path.size());
   const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
   if (fd < 0) Throw("socket");
-  const int result = bind(fd, reinterpret_cast<const sockaddr*>(&address),
-                          sizeof address);
+  const int result =
+      bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
   close(fd);
   if (result != 0) Throw("bind " + path);
 }
