@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 
 #include <algorithm>
+#include <cstring>
 #include <iostream>
 #include <memory>
 
@@ -58,6 +59,14 @@ void WarnOfLocalFolders(int result) {
   }
 }
 
+bool CurlSpeaksSmb() {
+  const curl_version_info_data* version = curl_version_info(CURLVERSION_NOW);
+  for (const char* const* name = version->protocols; *name != nullptr; ++name) {
+    if (std::strcmp(*name, "smb") == 0) return true;
+  }
+  return false;
+}
+
 // libcurl decodes %XX in both halves of its "user:password".
 std::string Escape(const std::string& text) {
   const std::unique_ptr<char, void (*)(void*)> escaped(
@@ -80,6 +89,16 @@ int Send(const SendArguments& arguments) {
       share.IsSharePath(destination) ? auth.get() : nullptr;
   KVTString error;
 
+  if (arguments.smb1) {
+    if (!CurlSpeaksSmb()) {
+      std::cerr << "kvtshare: this libcurl was built without smb://, so no "
+                   "transfer with --smb1 can succeed.\n";
+    }
+    const int result =
+        share.SendFileOnWindowSMB1(source, sourceAuth, !arguments.probe,
+                                   destination, destinationAuth, error);
+    return Report(result, error);
+  }
   const int result =
       share.SendFile(source, sourceAuth, destination, destinationAuth, error);
   WarnOfLocalFolders(result);

@@ -19,6 +19,10 @@ struct SendArguments {
   std::string source;
   std::string destination;
   Credentials credentials;
+  /// libcurl's smb:// instead of a mount.
+  bool smb1 = false;
+  /// With smb1: connect and log in, transfer nothing.
+  bool probe = false;
 };
 
 struct DownloadArguments {

@@ -60,6 +60,15 @@ int main(int argc, char** argv) try {
                    "The other of the two: file name included")
       ->required();
   AddCredentialOptions(*command, send.credentials);
+  auto* smb1 = command->add_flag("--smb1", send.smb1,
+                                 "Transfer with SMB 1 and without a mount, for "
+                                 "old servers (needs no root)");
+  command
+      ->add_flag(
+          "--probe", send.probe,
+          "With --smb1: connect, log in and ask for the remote file, leaving "
+          "DESTINATION alone")
+      ->needs(smb1);
   command->callback([&] { result = Send(send); });
 
   std::string location;
