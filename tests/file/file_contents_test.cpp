@@ -109,9 +109,12 @@ TEST_F(FileContents, HoldAHundredMegabytes) {
 
 TEST_F(FileContents, AreEmptyWhereMemoryRunsOut) {
   WriteFile(Path(), std::string(1 << 20, 'x'));
-  const hooks::FailingAllocator allocator(0, 1 << 20);
-  EXPECT_EQ(KVTFileUtil::GetFileContents(mDirectory.Text("f")), "");
-  EXPECT_GT(allocator.Refused(), 0u);
+  // For the bytes, and for the text that is made of them.
+  for (const std::size_t granted : {0, 1}) {
+    const hooks::FailingAllocator allocator(granted, 1 << 20);
+    EXPECT_EQ(KVTFileUtil::GetFileContents(mDirectory.Text("f")), "");
+    EXPECT_EQ(allocator.Refused(), 1u);
+  }
 }
 
 TEST_F(FileContents, CloseTheFile) {

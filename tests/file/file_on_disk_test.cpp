@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@
 #include "test_strings.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 bool IsThere(const std::string& path) {
   struct stat status;
@@ -176,6 +179,15 @@ TEST(FileSize, IsZeroForASocketWhichCountsAsADirectory) {
   EXPECT_EQ(directory.File("socket").GetSize(), 0u);
 }
 
+TEST(FileSize, IsZeroForADirectoryWithATrailingBackslash) {
+  // It counts as a directory, but no directory of that name can be opened.
+  const TemporaryDirectory directory;
+  fs::create_directory(directory.Path("d"));
+  WriteFile(directory.Path("d/f"), "x");
+  EXPECT_EQ(directory.File("d").GetSize(), 1u);
+  EXPECT_EQ(directory.File("d\\").GetSize(), 0u);
+}
+
 // --- Kinds of files
 
 TEST(FileKind, IsALinkOnlyWhereTheTargetExists) {
@@ -260,6 +272,13 @@ TEST(FileDelete, RemovesALinkToADirectoryAndReturnsFalse) {
   Link("d", directory.Path("toDirectory"));
   EXPECT_FALSE(directory.File("toDirectory").Delete());
   EXPECT_FALSE(IsThere(directory.Path("toDirectory")));
+  EXPECT_TRUE(IsThere(directory.Path("d")));
+}
+
+TEST(FileDelete, KeepsADirectoryNamedWithATrailingBackslash) {
+  const TemporaryDirectory directory;
+  fs::create_directory(directory.Path("d"));
+  EXPECT_FALSE(directory.File("d\\").Delete());
   EXPECT_TRUE(IsThere(directory.Path("d")));
 }
 
