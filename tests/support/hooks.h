@@ -62,6 +62,10 @@ extern std::function<ssize_t(const char* path, char* out, size_t size)>
     onReadlink;
 extern std::function<int(char* pattern)> onMkstemp;
 extern std::function<ssize_t(int descriptor, void* out, size_t size)> onRead;
+extern std::function<size_t(void* out, size_t size, size_t count, FILE* stream)>
+    onFread;
+extern std::function<ssize_t(int socket, void* out, size_t size, int flags)>
+    onRecv;
 extern std::function<int()> onRand;
 extern std::function<void(unsigned seed)> onSrand;
 
@@ -76,6 +80,7 @@ int RealOpen(const char* path, int flags, mode_t mode);
 DIR* RealOpendir(const char* path);
 ssize_t RealSendfile(int to, int from, off_t* offset, size_t count);
 int RealRemove(const char* path);
+ssize_t RealRecv(int socket, void* out, size_t size, int flags);
 int RealMkstemp(char* pattern);
 ssize_t RealRead(int descriptor, void* out, size_t size);
 int RealGetaddrinfo(const char* node, const char* service,

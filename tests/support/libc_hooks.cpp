@@ -3,6 +3,7 @@
 #include <stdarg.h>
 #include <stdlib.h>
 #include <sys/mount.h>
+#include <sys/socket.h>
 #include <sys/sendfile.h>
 #include <unistd.h>
 
@@ -36,6 +37,8 @@ decltype(onRemove) onRemove;
 decltype(onReadlink) onReadlink;
 decltype(onMkstemp) onMkstemp;
 decltype(onRead) onRead;
+decltype(onFread) onFread;
+decltype(onRecv) onRecv;
 decltype(onRand) onRand;
 decltype(onSrand) onSrand;
 
@@ -102,6 +105,11 @@ int RealRemove(const char* path) {
 int RealMkstemp(char* pattern) {
   static const auto real = Next<int(char*)>("mkstemp");
   return real(pattern);
+}
+
+ssize_t RealRecv(int socket, void* out, size_t size, int flags) {
+  static const auto real = Next<ssize_t(int, void*, size_t, int)>("recv");
+  return real(socket, out, size, flags);
 }
 
 ssize_t RealRead(int descriptor, void* out, size_t size) {
@@ -270,6 +278,18 @@ int mkstemp(char* pattern) {
 ssize_t read(int descriptor, void* out, size_t size) {
   if (hooks::onRead) return hooks::onRead(descriptor, out, size);
   return hooks::RealRead(descriptor, out, size);
+}
+
+size_t fread(void* out, size_t size, size_t count, FILE* stream) {
+  if (hooks::onFread) return hooks::onFread(out, size, count, stream);
+  static const auto real =
+      hooks::Next<size_t(void*, size_t, size_t, FILE*)>("fread");
+  return real(out, size, count, stream);
+}
+
+ssize_t recv(int socket, void* out, size_t size, int flags) {
+  if (hooks::onRecv) return hooks::onRecv(socket, out, size, flags);
+  return hooks::RealRecv(socket, out, size, flags);
 }
 
 int rand() noexcept {
