@@ -347,7 +347,8 @@ class KVT_EXPORT KVTShareFile : public MountManager {
   /// libcurl takes for a denied login; without a user or a password an empty
   /// text is sent.  The URL of an upload is the text of `destination` with each
   /// backslash turned into "/": an IPv6 address needs its brackets.  That of a download is what RefactorIPv6ForWindowSMB1() makes of `source`.
-  /// Nothing is percent-encoded.  An existing file is replaced, and folders
+  /// Nothing is percent-encoded: libcurl refuses a location with a blank (code
+  /// 3) and ends the name at a "#".  An existing file is replaced, and folders
   /// missing above the local target are made; a failed transfer leaves what had
   /// come by then.
   ///
