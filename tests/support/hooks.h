@@ -10,6 +10,7 @@
 
 #include <dirent.h>
 #include <netdb.h>
+#include <stdarg.h>
 #include <netinet/in.h>
 #include <stdio.h>
 #include <sys/stat.h>
@@ -38,6 +39,9 @@ extern std::function<const char*(int family, const void* address, char* out,
     onInetNtop;
 extern std::function<char*(in_addr address)> onInetNtoa;
 extern std::function<FILE*(const char* path, const char* mode)> onFopen;
+extern std::function<int(FILE* stream)> onFclose;
+extern std::function<int(FILE* stream, const char* format, va_list arguments)>
+    onVfprintf;
 extern std::function<long(FILE* stream)> onFtell;
 extern std::function<int(FILE* stream, long offset, int where)> onFseek;
 extern std::function<int(const char* path, struct stat* status)> onStat;
@@ -71,6 +75,8 @@ extern std::function<void(unsigned seed)> onSrand;
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);
+int RealFclose(FILE* stream);
+int RealVfprintf(FILE* stream, const char* format, va_list arguments);
 long RealFtell(FILE* stream);
 int RealFseek(FILE* stream, long offset, int where);
 int RealStat(const char* path, struct stat* status);

@@ -18,6 +18,8 @@ decltype(onGetaddrinfo) onGetaddrinfo;
 decltype(onInetNtop) onInetNtop;
 decltype(onInetNtoa) onInetNtoa;
 decltype(onFopen) onFopen;
+decltype(onFclose) onFclose;
+decltype(onVfprintf) onVfprintf;
 decltype(onFtell) onFtell;
 decltype(onFseek) onFseek;
 decltype(onStat) onStat;
@@ -55,6 +57,16 @@ Function* Next(const char* name) {
 FILE* RealFopen(const char* path, const char* mode) {
   static const auto real = Next<decltype(fopen)>("fopen");
   return real(path, mode);
+}
+
+int RealFclose(FILE* stream) {
+  static const auto real = Next<decltype(fclose)>("fclose");
+  return real(stream);
+}
+
+int RealVfprintf(FILE* stream, const char* format, va_list arguments) {
+  static const auto real = Next<decltype(vfprintf)>("vfprintf");
+  return real(stream, format, arguments);
 }
 
 long RealFtell(FILE* stream) {
@@ -170,6 +182,16 @@ char* inet_ntoa(in_addr address) noexcept {
 FILE* fopen(const char* path, const char* mode) {
   if (hooks::onFopen) return hooks::onFopen(path, mode);
   return hooks::RealFopen(path, mode);
+}
+
+int fclose(FILE* stream) {
+  if (hooks::onFclose) return hooks::onFclose(stream);
+  return hooks::RealFclose(stream);
+}
+
+int vfprintf(FILE* stream, const char* format, va_list arguments) {
+  if (hooks::onVfprintf) return hooks::onVfprintf(stream, format, arguments);
+  return hooks::RealVfprintf(stream, format, arguments);
 }
 
 long ftell(FILE* stream) {
