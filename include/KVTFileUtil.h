@@ -307,7 +307,9 @@ class KVT_EXPORT KVTFileUtil {
   /// Success is the response code 200, or 226 from FTP, with nothing wrong on
   /// the way.  Redirects (301, 302) are not followed and fail, and so does 206.
   ///
-  /// Fails before anything is sent when the parent of `target` does not exist.
+  /// Fails before anything is sent when KVTFile::ParentExists is false for
+  /// `target`, and so for a bare name that does not exist yet and for every file
+  /// in the root directory.
   /// An old file is deleted before the transfer starts; an empty directory
   /// where the file should go is removed too, but that call fails.  A failed
   /// transfer leaves what arrived on disk: the body of a 404 page, or an empty

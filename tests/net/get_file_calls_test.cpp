@@ -1,12 +1,12 @@
-// What GetFile and IsURLValid ask of libcurl, with libcurl's calls scripted.
+// What GetFile asks of libcurl, with libcurl's calls scripted, and the callback
+// that it hands over.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <functional>
+#include <cstddef>
 #include <string>
+#include <type_traits>
 
 #include "KVTFileUtil.h"
 #include "curl_hooks.h"
@@ -17,7 +17,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr proxy kNoProxy = {0, nullptr, nullptr};
@@ -39,7 +38,14 @@ class NotedFopen {
   hooks::Scoped<decltype(hooks::onFopen)> mHook;
 };
 
-// --- write_data
+// --- proxy and write_data
+
+// Callers fill the record field by field, from C as well.
+static_assert(std::is_trivial<proxy>::value, "nothing to construct");
+static_assert(offsetof(proxy, enabled) == 0 && sizeof(proxy::enabled) == 4 &&
+                  offsetof(proxy, address) == 8 &&
+                  offsetof(proxy, credentials) == 16 && sizeof(proxy) == 24,
+              "the fields stand in this order");
 
 TEST(WriteData, WritesTheItemsAndReturnsTheirNumber) {
   const TemporaryDirectory directory;
@@ -61,7 +67,7 @@ TEST(WriteData, ReturnsWhatFwriteTookOfAStreamThatFails) {
   fclose(file);
 }
 
-// --- GetFile: the calls
+// --- The calls
 
 class GetFileCalls : public testing::Test {
  protected:
@@ -182,75 +188,7 @@ TEST_F(GetFileCalls, ReleaseHandleAndFileWhenAnExceptionPasses) {
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 
-// --- GetFile: the destination
-
-struct DestinationCase {
-  const char* name;
-  const char* url;
-  const char* file;  // in the directory
-};
-
-void PrintTo(const DestinationCase& c, std::ostream* out) { *out << c.name; }
-
-const DestinationCase kDestinations[] = {
-    {"LastComponent", "http://host/dir/file.txt", "file.txt"},
-    {"QueryIncluded", "http://host/dir/file.txt?a=1#b", "file.txt?a=1#b"},
-    {"QueryWithSlash", "http://host/file?path=a/b", "b"},
-    {"HostAlone", "http://host", "host"},
-    {"NoSlash", "host", "host"},
-    {"NonAscii", "http://\xC3\xBC/\xC3\xA9\xE2\x82\xAC", "\xC3\xA9\xE2\x82\xAC"},
-    {"Escapes", "http://host/a%20b", "a%20b"},
-};
-
-class DestinationTable : public testing::TestWithParam<DestinationCase> {};
-
-TEST_P(DestinationTable, IsNamedByTheUrlBehindItsLastSlash) {
-  const TemporaryDirectory directory;
-  CurlRecorder curl;
-  curl.responseCode = 200;
-  curl.onPerform = [&curl] { curl.Deliver("body"); };
-  EXPECT_EQ(KVTFileUtil::GetFile(FromUtf8(GetParam().url), directory.File(),
-                                 kNoProxy),
-            0);
-  EXPECT_EQ(ReadFile(directory.Path(GetParam().file)), "body");
-  EXPECT_THAT(curl.Options(),
-              testing::Contains("CURLOPT_URL " + std::string(GetParam().url)));
-}
-
-INSTANTIATE_TEST_SUITE_P(, DestinationTable, testing::ValuesIn(kDestinations),
-                         [](const auto& test) { return test.param.name; });
-
-TEST_F(GetFileCalls, FailOnADirectoryWhereTheFileShouldGoAndRemoveItIfEmpty) {
-  std::filesystem::create_directory(mDirectory.Path("name"));
-  EXPECT_EQ(KVTFileUtil::GetFile(FromUtf8("http://host/name"),
-                                 mDirectory.File(), kNoProxy),
-            1);
-  EXPECT_THAT(mCurl.Calls(), IsEmpty());
-  EXPECT_FALSE(mDirectory.File("name").Exists());
-}
-
-TEST_F(GetFileCalls, FailOnAFullDirectoryWhereTheFileShouldGoAndLeaveIt) {
-  std::filesystem::create_directory(mDirectory.Path("name"));
-  WriteFile(mDirectory.Path("name/kept"), "kept");
-  EXPECT_EQ(KVTFileUtil::GetFile(FromUtf8("http://host/name"),
-                                 mDirectory.File(), kNoProxy),
-            1);
-  EXPECT_THAT(mCurl.Calls(), IsEmpty());
-  EXPECT_EQ(ReadFile(mDirectory.Path("name/kept")), "kept");
-}
-
-// The destination is then the directory itself with a separator behind it:
-// Delete takes the directory away if it is empty, and the call ends.
-TEST_F(GetFileCalls, FailOnAUrlThatEndsInASlashAndRemoveAnEmptyDirectory) {
-  std::filesystem::create_directory(mDirectory.Path("empty"));
-  EXPECT_EQ(KVTFileUtil::GetFile(FromUtf8("http://host/"),
-                                 mDirectory.File("empty"), kNoProxy),
-            1);
-  EXPECT_THAT(mCurl.Calls(), IsEmpty());
-  EXPECT_FALSE(mDirectory.File("empty").Exists());
-}
-
-// --- GetFile: the decision
+// --- The decision
 
 struct Outcome {
   const char* name;
@@ -313,109 +251,6 @@ TEST_F(GetFileCalls, SucceedWithTwoResponseCodesOnly) {
 TEST_F(GetFileCalls, StartFromTheCodeZero) {
   mCurl.responseCode.reset();
   EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mTarget, kNoProxy), 1);
-}
-
-// --- IsURLValid
-
-class IsURLValidCalls : public testing::Test {
- protected:
-  const TemporaryDirectory mDirectory;
-  const WorkingDirectory mWorking{mDirectory.Path()};
-  CurlRecorder mCurl;
-  // Instead of the file in /tmp, which other programs may use just now.
-  const hooks::Scoped<decltype(hooks::onFopen)> mFopen{
-      hooks::onFopen, [this](const char* path, const char* mode) {
-        mCurl.Note(std::string("fopen ") + path + " " + mode);
-        FILE* const file =
-            mOpens ? hooks::RealFopen(mDirectory.Path("body").c_str(), mode)
-                   : nullptr;
-        mCurl.NamePointer(file, "the file");
-        return file;
-      }};
-  bool mOpens = true;
-};
-
-TEST_F(IsURLValidCalls, SetThreeOptionsAndNoProxy) {
-  mCurl.responseCode = 200;
-  EXPECT_TRUE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "fopen /tmp/curlFile w",
-                          "CURLOPT_WRITEDATA the file",
-                          "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
-                          "CURLOPT_NOBODY 1", "perform",
-                          "CURLINFO_RESPONSE_CODE", "cleanup"));
-  EXPECT_EQ(mCurl.LiveHandles(), 0);
-}
-
-TEST_F(IsURLValidCalls, LeaveOutTheFileThatCannotBeOpened) {
-  WriteFile("curlFile", "kept");
-  mOpens = false;
-  mCurl.responseCode = 200;
-  EXPECT_TRUE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "fopen /tmp/curlFile w",
-                          "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
-                          "CURLOPT_NOBODY 1", "perform",
-                          "CURLINFO_RESPONSE_CODE", "cleanup"));
-  EXPECT_EQ(mCurl.LiveHandles(), 0);
-  EXPECT_EQ(ReadFile("curlFile"), "kept");
-}
-
-TEST_F(IsURLValidCalls, RemoveCurlFileFromTheWorkingDirectory) {
-  WriteFile("curlFile", "somebody's");
-  mCurl.responseCode = 404;
-  EXPECT_FALSE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_FALSE(mDirectory.File("curlFile").Exists());
-  EXPECT_TRUE(mDirectory.File("body").Exists());
-}
-
-TEST_F(IsURLValidCalls, FailWithoutAHandle) {
-  WriteFile("curlFile", "kept");
-  mCurl.initFails = true;
-  EXPECT_FALSE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_THAT(mCurl.Calls(), ElementsAre("init"));
-  EXPECT_EQ(ReadFile("curlFile"), "kept");
-}
-
-TEST_F(IsURLValidCalls, GoOnWhateverSetoptSays) {
-  mCurl.setoptResult = CURLE_OUT_OF_MEMORY;
-  mCurl.responseCode = 200;
-  EXPECT_TRUE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_THAT(mCurl.Options(), testing::SizeIs(3));
-}
-
-TEST_F(IsURLValidCalls, SucceedWithFiveResponseCodesOnly) {
-  for (long code = 0; code < 1000; ++code) {
-    mCurl.responseCode = code;
-    EXPECT_EQ(KVTFileUtil::IsURLValid(kUrl),
-              code == 200 || code == 226 || code == 257 || code == 301 ||
-                  code == 350)
-        << code;
-  }
-  EXPECT_EQ(mCurl.MadeHandles(), 1000);
-  EXPECT_EQ(mCurl.LiveHandles(), 0);
-}
-
-TEST_F(IsURLValidCalls, FailWhenTheTransferFailsWhateverTheCode) {
-  mCurl.performResult = CURLE_PARTIAL_FILE;
-  for (const long code : {0, 200, 226, 257, 301, 350}) {
-    mCurl.responseCode = code;
-    EXPECT_FALSE(KVTFileUtil::IsURLValid(kUrl)) << code;
-  }
-  EXPECT_EQ(mCurl.LiveHandles(), 0);
-}
-
-TEST_F(IsURLValidCalls, StartFromTheCodeZero) {
-  mCurl.responseCode.reset();
-  EXPECT_FALSE(KVTFileUtil::IsURLValid(kUrl));
-}
-
-TEST_F(IsURLValidCalls, ReleaseHandleAndFileWhenAnExceptionPasses) {
-  WriteFile("curlFile", "kept");
-  mCurl.onPerform = [] { throw std::string("passing"); };
-  EXPECT_THROW(KVTFileUtil::IsURLValid(kUrl), std::string);
-  EXPECT_EQ(mCurl.LiveHandles(), 0);
-  EXPECT_EQ(ReadFile("curlFile"), "kept");
 }
 
 }  // namespace
