@@ -308,12 +308,11 @@ class KVT_EXPORT KVTFileUtil {
   /// the way.  Redirects (301, 302) are not followed and fail, and so does 206.
   ///
   /// Fails before anything is sent when KVTFile::ParentExists is false for
-  /// `target`, and so for a bare name that does not exist yet and for every file
-  /// in the root directory.
-  /// An old file is deleted before the transfer starts; an empty directory
-  /// where the file should go is removed too, but that call fails.  A failed
-  /// transfer leaves what arrived on disk: the body of a 404 page, or an empty
-  /// file when no server answered.
+  /// `target`, and so for a bare name that does not exist yet and for every
+  /// file in the root directory.  An old file is deleted before the transfer
+  /// starts; an empty directory where the file should go is removed too, but
+  /// that call fails.  A failed transfer leaves what arrived on disk: the body
+  /// of a 404 page, or an empty file when no server answered.
   ///
   /// `settings.address` and `settings.credentials` may be null when
   /// `settings.enabled` is zero.

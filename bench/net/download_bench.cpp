@@ -25,6 +25,26 @@ constexpr int kPort = 8080;
 constexpr char kUrl[] = "http://127.0.0.1:8080/file";
 constexpr char kInMemory[] = "/srv";
 
+// Names are relative to the server's folder.
+constexpr char kConfiguration[] = R"(
+daemon off;
+user root;
+worker_processes 1;
+pid nginx.pid;
+error_log stderr warn;
+events { worker_connections 16; }
+http {
+  access_log off;
+  sendfile on;
+  client_body_temp_path body;
+  proxy_temp_path proxy;
+  fastcgi_temp_path fastcgi;
+  uwsgi_temp_path uwsgi;
+  scgi_temp_path scgi;
+  server { listen 127.0.0.1:8080; root .; }
+}
+)";
+
 // Mounts and a network of the program's own, with files in memory, so that
 // neither a disk nor a proxy of the environment has a part in it.
 void EnterNamespaces() {
@@ -63,24 +83,7 @@ class Server {
     std::generate(words.begin(), words.end(), std::mt19937_64(1));
     WriteFile(place.Path("file"),
               std::string(reinterpret_cast<const char*>(words.data()), kSize));
-    WriteFile(place.Path("nginx.conf"), R"(
-daemon off;
-user root;
-worker_processes 1;
-pid nginx.pid;
-error_log stderr warn;
-events { worker_connections 16; }
-http {
-  access_log off;
-  sendfile on;
-  client_body_temp_path body;
-  proxy_temp_path proxy;
-  fastcgi_temp_path fastcgi;
-  uwsgi_temp_path uwsgi;
-  scgi_temp_path scgi;
-  server { listen 127.0.0.1:8080; root )" + place.Path() + R"(; }
-}
-)");
+    WriteFile(place.Path("nginx.conf"), kConfiguration);
     return {"nginx", "-e", "stderr", "-p", place.Path(), "-c", "nginx.conf"};
   }
 

@@ -58,7 +58,8 @@ int KVTFileUtil::GetFile(const KVTString& url, const KVTFile& target,
                          proxy settings) {
   KVTFile destination(target);
   if (IsDirectory(target.GetPath())) {
-    destination = KVTFile(target.GetPath() + GetSeparator() + LastComponent(url));
+    destination =
+        KVTFile(target.GetPath() + GetSeparator() + LastComponent(url));
   } else if (!target.ParentExists()) {
     return 1;
   }

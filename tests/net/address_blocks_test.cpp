@@ -50,8 +50,8 @@ const BlockCase kIPV4Blocks[] = {
     {"Letter149", "10a", true},
     {"Letter184", "11z", true},
     {"Letter162", "12Z", true},
-    {"Letter255", "20g", true},     // 200 + 0 + 55
-    {"Letter256", "20h", false},    // 200 + 0 + 56
+    {"Letter255", "20g", true},   // 200 + 0 + 55
+    {"Letter256", "20h", false},  // 200 + 0 + 56
     {"Letters287", "1AA", false},
     {"HyphenBehindDigit", "1-", false},
     {"HyphenBeforeDigit", "-1", false},

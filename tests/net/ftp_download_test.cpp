@@ -1,4 +1,4 @@
-// GetFile against vsftpd.  Sizes and a full disk: http_download_test.cpp.
+// GetFile against vsftpd, and against a server that says what that does not.
 
 #include <gtest/gtest.h>
 

@@ -109,8 +109,7 @@ TEST_F(GetFileCalls, SetsTheProxyFirst) {
 TEST_F(GetFileCalls, TakeAnyNumberButZeroForEnabled) {
   mCurl.responseCode = 200;
   EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mTarget, {-1, "p", nullptr}), 0);
-  EXPECT_THAT(mCurl.Options(),
-              testing::Contains("CURLOPT_PROXY p").Times(1));
+  EXPECT_THAT(mCurl.Options(), testing::Contains("CURLOPT_PROXY p").Times(1));
   EXPECT_THAT(mCurl.Options(),
               testing::Contains("CURLOPT_PROXYUSERPWD null").Times(1));
 }
@@ -156,19 +155,18 @@ TEST_F(GetFileCalls, HaveRemovedTheOldFileBeforeTheHandleFails) {
 }
 
 TEST_F(GetFileCalls, ReleaseTheHandleWhenTheFileCannotBeOpened) {
-  const hooks::Scoped noFile(hooks::onFopen,
-                             [](const char*, const char*) -> FILE* {
-                               return nullptr;
-                             });
+  const hooks::Scoped noFile(
+      hooks::onFopen,
+      [](const char*, const char*) -> FILE* { return nullptr; });
   EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mTarget, {1, "p", "u:p"}), 1);
   EXPECT_THAT(mCurl.Calls(), ElementsAre("init", "cleanup"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 
 TEST_F(GetFileCalls, AreNoneWithoutTheParentOfTheTarget) {
-  EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mDirectory.File("missing/target"),
-                                 kNoProxy),
-            1);
+  EXPECT_EQ(
+      KVTFileUtil::GetFile(kUrl, mDirectory.File("missing/target"), kNoProxy),
+      1);
   EXPECT_THAT(mCurl.Calls(), IsEmpty());
   EXPECT_FALSE(mDirectory.File("missing").Exists());
 }

@@ -52,7 +52,8 @@ const DestinationCase kDestinations[] = {
     {"QueryWithSlash", "http://host/file?path=a/b", "b"},
     {"HostAlone", "http://host", "host"},
     {"NoSlash", "host", "host"},
-    {"NonAscii", "http://\xC3\xBC/\xC3\xA9\xE2\x82\xAC", "\xC3\xA9\xE2\x82\xAC"},
+    {"NonAscii", "http://\xC3\xBC/\xC3\xA9\xE2\x82\xAC",
+     "\xC3\xA9\xE2\x82\xAC"},
     {"Escapes", "http://host/a%20b", "a%20b"},
 };
 

@@ -61,8 +61,7 @@ TEST_P(SecondParserTable, SaysFalseWhenTheConversionFailsAgain) {
   EXPECT_FALSE(IsValidIPV6WhenMemoryRunsOut(GetParam().text, 2));
 }
 
-INSTANTIATE_TEST_SUITE_P(, SecondParserTable,
-                         testing::ValuesIn(kSecondParser),
+INSTANTIATE_TEST_SUITE_P(, SecondParserTable, testing::ValuesIn(kSecondParser),
                          [](const auto& test) { return test.param.name; });
 
 // Wherever in the call memory runs out, no exception leaves it.

@@ -58,9 +58,8 @@ TEST_F(ProxyDownload, FailsWithAWrongPasswordAndLeavesTheProxysPage) {
 }
 
 TEST_F(ProxyDownload, FailsWithoutThePasswordAndLeavesTheProxysPage) {
-  EXPECT_EQ(Get(Servers::Http("via"),
-                {1, Servers::ProxyWithPassword(), nullptr}),
-            1);
+  EXPECT_EQ(
+      Get(Servers::Http("via"), {1, Servers::ProxyWithPassword(), nullptr}), 1);
   EXPECT_THAT(Arrived(), HasSubstr("<html"));
 }
 

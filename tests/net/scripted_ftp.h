@@ -8,9 +8,9 @@
 
 #include "scripted_server.h"
 
-/// Lets every user in and answers as RFC 959 would have it, but for the commands
-/// named in `replies`, which get that line.  RETR sends `body` over a passive
-/// connection and ends with its line.
+/// Lets every user in and answers as RFC 959 would have it, but for the
+/// commands named in `replies`, which get that line.  RETR sends `body` over a
+/// passive connection and ends with its line.
 class ScriptedFtp {
  public:
   /// From the command to the whole line of the reply, without its end.

@@ -18,7 +18,8 @@
 /// place of the system's bundle of trusted ones.
 class Servers {
  public:
-  /// Makes the certificates and starts the servers; throws when any of it fails.
+  /// Makes the certificates and starts the servers; throws when any of it
+  /// fails.
   Servers();
 
   /// "http://127.0.0.1:8080/" + path.  What it answers:

@@ -38,12 +38,12 @@ class IsURLValidCalls : public testing::Test {
 TEST_F(IsURLValidCalls, SetThreeOptionsAndNoProxy) {
   mCurl.responseCode = 200;
   EXPECT_TRUE(KVTFileUtil::IsURLValid(kUrl));
-  EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "fopen /tmp/curlFile w",
-                          "CURLOPT_WRITEDATA the file",
-                          "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
-                          "CURLOPT_NOBODY 1", "perform",
-                          "CURLINFO_RESPONSE_CODE", "cleanup"));
+  EXPECT_THAT(
+      mCurl.Calls(),
+      ElementsAre("init", "fopen /tmp/curlFile w", "CURLOPT_WRITEDATA the file",
+                  "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
+                  "CURLOPT_NOBODY 1", "perform", "CURLINFO_RESPONSE_CODE",
+                  "cleanup"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 
@@ -87,9 +87,9 @@ TEST_F(IsURLValidCalls, GoOnWhateverSetoptSays) {
 TEST_F(IsURLValidCalls, SucceedWithFiveResponseCodesOnly) {
   for (long code = 0; code < 1000; ++code) {
     mCurl.responseCode = code;
-    EXPECT_EQ(KVTFileUtil::IsURLValid(kUrl),
-              code == 200 || code == 226 || code == 257 || code == 301 ||
-                  code == 350)
+    EXPECT_EQ(KVTFileUtil::IsURLValid(kUrl), code == 200 || code == 226 ||
+                                                 code == 257 || code == 301 ||
+                                                 code == 350)
         << code;
   }
   EXPECT_EQ(mCurl.MadeHandles(), 1000);

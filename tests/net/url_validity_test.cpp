@@ -108,9 +108,9 @@ TEST_F(URLValidity, IsDeniedToAnUnreachableFtpServer) {
 
 TEST_F(URLValidity, FollowsTheLastReplyOfAnFtpServer) {
   const std::pair<const char*, bool> replies[] = {
-      {"226 done", true},    {"350 go on", true},   {"200 fine", true},
-      {"257 made", true},    {"225 open", false},   {"227 passive", false},
-      {"250 done", false},   {"351 hm", false},     {"502 no", false},
+      {"226 done", true},    {"350 go on", true}, {"200 fine", true},
+      {"257 made", true},    {"225 open", false}, {"227 passive", false},
+      {"250 done", false},   {"351 hm", false},   {"502 no", false},
       {"550 missing", false}};
   for (const auto& [reply, valid] : replies) {
     const ScriptedFtp server(ScriptedFtp::Replies{{"REST", reply}});
