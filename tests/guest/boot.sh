@@ -32,8 +32,7 @@ while [[ ${1:-} == --* ]]; do
     shift 2
 done
 [[ $# -ge 2 ]] || fail "usage: boot.sh [--timeout SECONDS] [--memory MB] RESULT_FOLDER COMMAND [ARGUMENT...]"
-mkdir -p "$1"
-results=$(cd "$1" && pwd -P)
+results=$(realpath -m -- "$1")
 shift
 
 export PATH=$PATH:/usr/local/sbin:/usr/sbin:/sbin
@@ -47,6 +46,8 @@ for folder in "${kCovered[@]}"; do
             fail "the guest covers $folder with an empty file system and would not see $path"
     done
 done
+
+mkdir -p "$results"
 
 # The guest's memory is a file that it maps: it must lie where there is room,
 # which the /dev/shm of a container often has not.
@@ -63,7 +64,18 @@ done
 # The kernel's command line splits at blanks, so the guest is told one path
 # without any; what it needs stands below.
 handover=$(mktemp -d /tmp/kvtguest.XXXXXX)
-trap 'rm -rf "$handover"' EXIT
+tail_id=
+guest_id=
+# shellcheck disable=SC2317  # the trap calls it
+clean_up() {
+    # Whoever ends this script ends the guest.
+    [[ -z $guest_id ]] || kill "$guest_id" 2>/dev/null || true
+    [[ -z $tail_id ]] || kill "$tail_id" 2>/dev/null || true
+    rm -rf "$handover"
+}
+trap clean_up EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
 ln -s "$here" "$handover/scripts"
 ln -s "$results" "$handover/results"
 {
@@ -75,16 +87,19 @@ ln -s "$results" "$handover/results"
 rm -f "$results/status" "$results/output" "$results/console"
 : >"$results/output"
 
-tail -n +1 -s 0.1 -f "$results/output" &
-tail_id=$!
 booted=0
 TMPDIR=$memory_folder timeout --kill-after=5 "$seconds" \
     linux.uml "mem=${megabytes}M" root=/dev/root rootfstype=hostfs rootflags=/ rw \
     "init=$handover/scripts/init.sh" con0=null,fd:1 con=null quiet \
-    "KVT_HANDOVER=$handover" </dev/null >"$results/console" 2>&1 || booted=$?
-sleep 0.2
-kill "$tail_id"
-wait "$tail_id" 2>/dev/null || true
+    "KVT_HANDOVER=$handover" </dev/null >"$results/console" 2>&1 &
+guest_id=$!
+# Ends by itself behind the guest, with all of the output shown.
+tail -n +1 -s 0.1 --pid="$guest_id" -f "$results/output" &
+tail_id=$!
+wait "$guest_id" || booted=$?
+guest_id=
+wait "$tail_id" || true
+tail_id=
 
 if [[ $booted -eq 124 || $booted -eq 137 ]]; then
     echo "boot.sh: the guest did not end within $seconds seconds" >&2
