@@ -346,7 +346,9 @@ class KVT_EXPORT KVTShareFile : public MountManager {
   /// and the other's play no part.  Null credentials set no user at all, which
   /// libcurl takes for a denied login; without a user or a password an empty
   /// text is sent.  The URL of an upload is the text of `destination` with each
-  /// backslash turned into "/": an IPv6 address needs its brackets.  That of a download is what RefactorIPv6ForWindowSMB1() makes of `source`.
+  /// backslash turned into "/", behind "smb:" or, for a location that starts
+  /// with "cifs:", behind "smb://": an IPv6 address needs its brackets.  That
+  /// of a download is what RefactorIPv6ForWindowSMB1() makes of `source`.
   /// Nothing is percent-encoded: libcurl refuses a location with a blank (code
   /// 3) and ends the name at a "#".  An existing file is replaced, and folders
   /// missing above the local target are made; a failed transfer leaves what had
@@ -378,16 +380,16 @@ class KVT_EXPORT KVTShareFile : public MountManager {
   ///
   /// The connection is given up after ten seconds; nothing limits what follows.
   /// libcurl 7.88 waits for ever, and uses up a processor meanwhile, when the
-  /// server closes the connection in the middle of a transfer or the local file
-  /// has become shorter since it was opened.
+  /// server closes the connection in the middle of a transfer, when the local
+  /// file turns out shorter than stat(2) told, and when it is a folder.
   ///
   /// A thrown `char*` or `KVTString*` goes on to the caller with the same
   /// pointer; after anything else the result is 1, with "Failed to send file
   /// using SMB1 Share" where `error` is empty.  All of these leak the handle
   /// and the stream.
   ///
-  /// Calls may run on several threads at once, probes from a share only in
-  /// different working directories.
+  /// Calls may run on several threads at once, except for probes from a share,
+  /// which all write to the one file, and for downloads whose host is a name.
   int SendFileOnWindowSMB1(const KVTString& source,
                            KVTAuthentication* sourceAuth, bool transferFile,
                            const KVTString& destination,

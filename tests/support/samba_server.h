@@ -11,7 +11,7 @@
 
 /// An smbd on port 445 of 127.0.0.1 and ::1, with all its state in a temporary
 /// directory.  Needs a network of the test's own
-/// (EnterPrivateMountsAndNetwork).
+/// (EnterPrivateMountsAndNetwork), and root itself: smbd changes its groups.
 ///
 /// The share "docs" can be written to, "readonly" can't.  The one account is
 /// kUser with kPassword; the server takes any domain for it.
