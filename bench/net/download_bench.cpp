@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <functional>
@@ -91,6 +92,21 @@ class Server {
   ServerProcess mNginx;
 };
 
+// Processor time in milliseconds of this process and of the children that it
+// has waited for: the server is not among them, the curl command is.
+double ProcessorTime() {
+  double milliseconds = 0;
+  for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+    rusage usage = {};
+    getrusage(who, &usage);
+    for (const timeval& time : {usage.ru_utime, usage.ru_stime}) {
+      milliseconds += static_cast<double>(time.tv_sec) * 1e3 +
+                      static_cast<double>(time.tv_usec) / 1e3;
+    }
+  }
+  return milliseconds;
+}
+
 // Repeats `download`, which says whether it went well, and checks once what it
 // left behind where `keeps`.
 void Measure(benchmark::State& state, bool keeps,
@@ -101,12 +117,15 @@ void Measure(benchmark::State& state, bool keeps,
     return;
   }
   if (keeps) server.CheckTarget();
+  const double before = ProcessorTime();
   for (auto _ : state) {
     if (!download()) {
       state.SkipWithError("the download failed");
       return;
     }
   }
+  state.counters["processor_ms"] = benchmark::Counter(
+      ProcessorTime() - before, benchmark::Counter::kAvgIterations);
   state.SetBytesProcessed(static_cast<std::int64_t>(kSize) *
                           static_cast<std::int64_t>(state.iterations()));
 }
