@@ -96,7 +96,7 @@ int MountManager::GetMountPoint(KVTString share, KVTString& mountPoint,
         return KVTErrorCodeFailure;
       }
       // Callers rely on the entry being there before any mount is tried.
-      mMountedShares[share] = mountPoint;
+      mMountedShares.insert_or_assign(share, mountPoint);
       return KVTErrorCodeSuccess;
     }
 

@@ -128,7 +128,7 @@ int MountManager::MountNetworkShare(KVTString networkPath,
               sharePath, mountPoint, MakeMountOptions(uncPath, hostIp, auth),
               error);
           if (mounted != KVTErrorCodeSuccess) return mounted;
-          mMountedShares[sharePath] = mountPoint;
+          mMountedShares.insert_or_assign(sharePath, mountPoint);
         }
 
         mountedPath = mountPoint + "/" + relativePath;

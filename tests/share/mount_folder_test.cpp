@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "KVTShareFile.h"
+#include "allowed_leaks.h"
 #include "hooks.h"
 #include "share_fakes.h"
 #include "temporary_directory.h"
@@ -33,6 +34,23 @@ class MountFolder : public EmptyMnt {
     const int result = manager->GetMountPoint(share, folder, error);
     EXPECT_EQ(error, kUntouched);
     return result;
+  }
+
+  void TearDown() override {
+    const AllowedLeaks handles;
+    manager.reset();
+    EmptyMnt::TearDown();
+  }
+
+  // A folder that is emptied stays open as a directory.
+  int Unmount(const KVTString& mountPoint) {
+    const AllowedLeaks handle;
+    return manager->UnMountShare(mountPoint);
+  }
+
+  int UnmountEverything() {
+    const AllowedLeaks handles;
+    return manager->UnmountAll();
   }
 
   static void MakeIdle(char letter) {
@@ -244,7 +262,7 @@ using UnMountShare = MountFolder;
 TEST_F(UnMountShare, AsksForAForcedUnmountOnce) {
   MakeIdle('Z');
   const FakeUnmount unmount;
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 0);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 0);
   ASSERT_EQ(unmount.Calls().size(), 1u);
   EXPECT_EQ(unmount.Calls()[0].target, "/mnt/orbmountZ");
   EXPECT_EQ(unmount.Calls()[0].flags, MNT_FORCE);
@@ -253,7 +271,7 @@ TEST_F(UnMountShare, AsksForAForcedUnmountOnce) {
 
 TEST_F(UnMountShare, TakesMountAndFolderDown) {
   MakeTaken('Z');
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 0);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 0);
   EXPECT_FALSE(FolderExists('Z'));
 }
 
@@ -261,7 +279,7 @@ TEST_F(UnMountShare, DeletesFilesThatTheMountHid) {
   MakeIdle('Z');
   WriteFile(Folder('Z') + "/hidden", "x");
   MountForReal("something", Folder('Z'));
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 0);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 0);
   EXPECT_FALSE(FolderExists('Z'));
 }
 
@@ -270,21 +288,21 @@ TEST_F(UnMountShare, ReturnsZeroWhenTheFolderStays) {
   ASSERT_EQ(mkdir((Folder('Z') + "/inner").c_str(), 0755), 0);
   WriteFile(Folder('Z') + "/inner/file", "x");
   MountForReal("something", Folder('Z'));
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 0);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 0);
   EXPECT_TRUE(FolderExists('Z'));
 }
 
 TEST_F(UnMountShare, Returns1AndLeavesAFolderWithNothingMounted) {
   MakeIdle('Z');
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 1);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 1);
   EXPECT_TRUE(FolderExists('Z'));
-  EXPECT_EQ(manager->UnMountShare("/mnt/nowhere"), 1);
+  EXPECT_EQ(Unmount("/mnt/nowhere"), 1);
 }
 
 TEST_F(UnMountShare, LeavesTheEntry) {
   EXPECT_EQ(Choose(kDocs), 0);
   MountForReal(kDocs, Folder('Z'));
-  EXPECT_EQ(manager->UnMountShare("/mnt/orbmountZ"), 0);
+  EXPECT_EQ(Unmount("/mnt/orbmountZ"), 0);
   EXPECT_EQ(manager->mMountedShares[kDocs], "/mnt/orbmountZ");
   EXPECT_EQ(Choose(kDocs), 4);
 }
@@ -299,7 +317,7 @@ std::vector<std::string> Targets(const FakeUnmount& unmount) {
 
 TEST_F(UnmountAll, ReturnsZeroForAnEmptyTable) {
   const FakeUnmount unmount;
-  EXPECT_EQ(manager->UnmountAll(), 0);
+  EXPECT_EQ(UnmountEverything(), 0);
   EXPECT_TRUE(unmount.Calls().empty());
 }
 
@@ -309,7 +327,7 @@ TEST_F(UnmountAll, GoesThroughTheTableInKeyOrder) {
   manager->mMountedShares["//h/B"] = "/mnt/3";
   manager->mMountedShares["//h/"] = "/mnt/4";
   const FakeUnmount unmount;
-  EXPECT_EQ(manager->UnmountAll(), 0);
+  EXPECT_EQ(UnmountEverything(), 0);
   EXPECT_THAT(Targets(unmount),
               testing::ElementsAre("/mnt/4", "/mnt/3", "/mnt/2", "/mnt/1"));
 }
@@ -318,14 +336,14 @@ TEST_F(UnmountAll, ReturnsZeroWhenNothingCanBeUnmounted) {
   manager->mMountedShares["//h/a"] = "/mnt/1";
   manager->mMountedShares["//h/b"] = "/mnt/2";
   const FakeUnmount unmount(-1);
-  EXPECT_EQ(manager->UnmountAll(), 0);
+  EXPECT_EQ(UnmountEverything(), 0);
   EXPECT_THAT(Targets(unmount), testing::ElementsAre("/mnt/1", "/mnt/2"));
 }
 
 TEST_F(UnmountAll, LeavesTheEntriesWhichAnswerWithTheOldFolder) {
   EXPECT_EQ(Choose(kDocs), 0);
   MountForReal(kDocs, Folder('Z'));
-  EXPECT_EQ(manager->UnmountAll(), 0);
+  EXPECT_EQ(UnmountEverything(), 0);
   EXPECT_FALSE(FolderExists('Z'));
   EXPECT_EQ(manager->mMountedShares.size(), 1u);
   EXPECT_EQ(Choose(kDocs), 4);
@@ -344,7 +362,7 @@ TEST_F(UnmountAll, DropsAnExceptionAndGoesOn) {
     return hooks::RealOpendir(path);
   });
   const FakeUnmount unmount;
-  EXPECT_EQ(manager->UnmountAll(), 0);
+  EXPECT_EQ(UnmountEverything(), 0);
   EXPECT_THAT(Targets(unmount),
               testing::ElementsAre("/mnt/orbmountZ", "/mnt/orbmountY"));
   EXPECT_TRUE(FolderExists('Z'));

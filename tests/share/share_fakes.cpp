@@ -13,14 +13,6 @@
 
 #include "namespaces.h"
 
-// What the library leaves behind on purpose and LeakSanitizer sees as lost: all
-// but the first node that getaddrinfo gave to ResolveHostAddress, and the
-// directory that DeleteDirectory has read.
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:KVTShareFileInternal::ResolveHostAddress\n"
-         "leak:KVTFileUtil::DeleteDirectory\n";
-}
-
 namespace {
 
 class PrivateMounts : public testing::Environment {

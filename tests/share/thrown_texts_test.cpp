@@ -1,6 +1,7 @@
 // What becomes of everything that can be thrown through the share code.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <functional>
 #include <new>
@@ -459,6 +460,35 @@ TEST_F(OutOfMemory, LeavesTheParserAsItsText) {
     }
   }
   EXPECT_GT(count, 5u);
+}
+
+TEST_F(OutOfMemory, LeavesNoEntryWithoutAFolder) {
+  // Such an entry would send the next file to the root of the file system.
+  bool ranOut = true;
+  std::size_t entered = 0;
+  for (std::size_t count = 0; ranOut; ++count) {
+    SCOPED_TRACE(count);
+    ASSERT_LT(count, 2000u);
+    rmdir(Folder('Z').c_str());
+    KVTShareFile share;
+    KVTString path;
+    KVTString error;
+    {
+      const hooks::FailingAllocator failing(count, 0, 1);
+      try {
+        share.MountNetworkShare("//10.0.0.5/docs/a", nullptr, path, error);
+      } catch (const std::bad_alloc&) {
+        // From the copies that the call itself makes.
+      }
+      ranOut = failing.Refused() > 0;
+    }
+    for (const auto& entry : share.mMountedShares) {
+      EXPECT_EQ(entry.first, "//10.0.0.5/docs");
+      EXPECT_EQ(entry.second, "/mnt/orbmountZ");
+      ++entered;
+    }
+  }
+  EXPECT_GT(entered, 1u);
 }
 
 TEST_F(OutOfMemory, LeavesDeletingWhereItHasNoHandler) {
