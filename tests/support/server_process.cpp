@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,6 +68,10 @@ std::string MakeOutputFile(int& fd) {
 
 ServerProcess::ServerProcess(std::vector<std::string> command, int port,
                              const std::string& address) {
+  // The server's own children become this process's when the server goes, so
+  // that Kill can wait for them too.
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
+
   int output = -1;
   mOutputPath = MakeOutputFile(output);
   mPid = fork();
@@ -103,7 +108,7 @@ ServerProcess::~ServerProcess() {
 void ServerProcess::Kill() {
   if (mPid <= 0) return;
   kill(-mPid, SIGKILL);
-  waitpid(mPid, nullptr, 0);
+  while (waitpid(-mPid, nullptr, 0) > 0) continue;
   mPid = -1;
 }
 

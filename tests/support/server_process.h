@@ -27,7 +27,8 @@ class ServerProcess {
 
   pid_t Pid() const { return mPid; }
 
-  /// Kills the process group now (SIGKILL), as a crash would.
+  /// Kills the process group now (SIGKILL), as a crash would.  None of its
+  /// processes is left, and its connections are closed, on return.
   void Kill();
 
   /// What the server wrote to its standard output and standard error so far.
