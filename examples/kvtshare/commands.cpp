@@ -127,6 +127,15 @@ int Parse(const std::string& location) {
 }
 
 int Unmount(const std::string& folder) {
+  // After unmounting, the library removes the files that it finds in the
+  // folder: with a share below, those would be the server's.
+  for (const CifsMount& mount : ListMounts()) {
+    if (mount.folder == folder && mount.layers > 1) {
+      std::cerr << "kvtshare: " << folder << " is left alone: " << mount.layers
+                << " file systems lie on it\n";
+      return KVTErrorCodeFailure;
+    }
+  }
   return Report(KVTShareFile::Instance()->UnMountShare(Text(folder)),
                 KVTString());
 }
@@ -134,16 +143,9 @@ int Unmount(const std::string& folder) {
 int UnmountEverything() {
   // The library's own UnmountAll knows the mounts of its process only, and this
   // process has made none.
-  int worst = 0;
+  int worst = KVTErrorCodeSuccess;
   for (const CifsMount& mount : ListMounts()) {
-    std::cout << mount.folder << " (" << mount.share << "): " << std::flush;
-    // After unmounting, the library removes the files that it finds in the
-    // folder: with a second share below, those would be the server's.
-    if (mount.layers > 1) {
-      std::cout << "left alone, " << mount.layers << " shares lie on it\n";
-      worst = 1;
-      continue;
-    }
+    std::cout << mount.folder << " (" << mount.share << ")\n" << std::flush;
     worst = std::max(worst, Unmount(mount.folder));
   }
   return worst;

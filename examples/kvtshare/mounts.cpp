@@ -23,18 +23,23 @@ std::vector<CifsMount> ListMounts() {
   std::vector<CifsMount> mounts;
   for (std::string line; std::getline(file, line);) {
     std::istringstream fields(line);
-    CifsMount mount = {"", "", 1};
+    std::string device;
+    std::string folder;
     std::string type;
-    fields >> mount.share >> mount.folder >> type;
-    if (type != "cifs" || !IsMountFolder(mount.folder)) continue;
-    const auto same = std::find_if(
+    fields >> device >> folder >> type;
+    if (!IsMountFolder(folder)) continue;
+    auto mount = std::find_if(
         mounts.begin(), mounts.end(),
-        [&](const CifsMount& other) { return other.folder == mount.folder; });
-    if (same == mounts.end()) {
-      mounts.push_back(mount);
-    } else {
-      ++same->layers;
+        [&](const CifsMount& other) { return other.folder == folder; });
+    if (mount == mounts.end()) {
+      mount = mounts.insert(mounts.end(), {"", folder, 0});
     }
+    ++mount->layers;
+    if (type == "cifs") mount->share = device;
   }
+  mounts.erase(std::remove_if(
+                   mounts.begin(), mounts.end(),
+                   [](const CifsMount& mount) { return mount.share.empty(); }),
+               mounts.end());
   return mounts;
 }

@@ -7,9 +7,10 @@
 #include <vector>
 
 struct CifsMount {
+  /// As it was given to mount(2): `//10.0.0.5/docs`.
   std::string share;
   std::string folder;
-  /// How many file systems are mounted on that folder, one over the other.
+  /// How many file systems of any kind lie on that folder, one over the other.
   int layers;
 };
 

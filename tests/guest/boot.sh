@@ -49,12 +49,13 @@ done
 
 mkdir -p "$results"
 
-# The guest's memory is a file that it maps: it must lie where there is room,
-# which the /dev/shm of a container often has not.
+# The guest's memory is a file that it maps: it must lie where there is room and
+# where programs may run, neither of which the /dev/shm of a container has.
 memory_folder=
 for folder in /dev/shm "${TMPDIR:-/tmp}" /tmp /var/tmp; do
     free=$(df --output=avail -m "$folder" 2>/dev/null | tail -n 1) || continue
-    if [[ -w $folder && $free -gt $megabytes ]]; then
+    options=$(findmnt --noheadings --output OPTIONS --target "$folder") || continue
+    if [[ -w $folder && $free -gt $megabytes && ,$options, != *,noexec,* ]]; then
         memory_folder=$folder
         break
     fi

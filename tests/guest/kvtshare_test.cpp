@@ -1,5 +1,7 @@
 // The program kvtshare against the real server.
 
+#include <sys/mount.h>
+
 #include <filesystem>
 
 #include "guest_test.h"
@@ -78,10 +80,25 @@ TEST_F(KvtshareInGuest, UnmountsEveryShareWhicheverProcessMountedIt) {
             0);
   EXPECT_EQ(Run({"unmount", "--all"}),
             (ProgramRun{0,
-                        "/mnt/orbmountZ (//127.0.0.1/docs): result: 0\n"
-                        "/mnt/orbmountY (//::1/docs): result: 0\n"}));
+                        "/mnt/orbmountZ (//127.0.0.1/docs)\nresult: 0\n"
+                        "/mnt/orbmountY (//::1/docs)\nresult: 0\n"}));
   EXPECT_TRUE(CifsMounts().empty());
   EXPECT_EQ(Run({"unmount", "--all"}), (ProgramRun{0, ""}));
+}
+
+TEST_F(KvtshareInGuest, LeavesAFolderAloneOnWhichMoreThanAShareLies) {
+  ASSERT_EQ(
+      RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}).status, 0);
+  ASSERT_EQ(mount("tmpfs", kFirstFolder, "tmpfs", 0, ""), 0);
+  const std::string refusal =
+      "kvtshare: /mnt/orbmountZ is left alone: 2 file systems lie on it\n";
+
+  EXPECT_EQ(Run({"unmount", kFirstFolder}), (ProgramRun{1, refusal}));
+  EXPECT_EQ(Run({"unmount", "--all"}),
+            (ProgramRun{1, "/mnt/orbmountZ (//127.0.0.1/docs)\n" + refusal}));
+  EXPECT_EQ(CifsMounts().size(), 1U);
+  EXPECT_EQ(ReadFile(OnServer("file")), "by kvtshare");
+  EXPECT_EQ(umount2(kFirstFolder, 0), 0);
 }
 
 }  // namespace

@@ -32,6 +32,12 @@ TEST_F(Login, SendsTheDomain) {
       << CifsMounts()[0];
 }
 
+TEST_F(Login, KeepsThePasswordOutOfTheListOfMounts) {
+  EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/new"), (Outcome{0, ""}));
+  ASSERT_EQ(CifsMounts().size(), 1U);
+  EXPECT_EQ(CifsMounts()[0].find("secret"), std::string::npos);
+}
+
 TEST_F(Login, WithoutCredentialsIsRefusedByTheKernelInEveryDialect) {
   KVTString path;
   KVTString error;
