@@ -61,11 +61,13 @@ bool KVTFileUtil::CopyFile(const KVTFile& source, const KVTFile& target,
   if (!source.Exists()) return false;
   if (failIfExists && target.Exists()) return false;
 
+  // Made before anything is open, since memory can run out.
+  const std::string sourceText = sourcePath.GetUTF8String();
+  const std::string targetText = targetPath.GetUTF8String();
   // A file that cannot be opened shows in the result of sendfile.  Callers rely
   // on the target keeping its mode and, behind the new bytes, its tail.
-  const int from = open(sourcePath.GetUTF8String().c_str(), O_RDONLY);
-  const int to =
-      open(targetPath.GetUTF8String().c_str(), O_WRONLY | O_CREAT, kFileMode);
+  const int from = open(sourceText.c_str(), O_RDONLY);
+  const int to = open(targetText.c_str(), O_WRONLY | O_CREAT, kFileMode);
   struct stat status = {};
   fstat(from, &status);
   // Callers rely on one call being all: a transfer that the kernel cuts short

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -258,6 +259,21 @@ TEST_F(CopyFile, ClosesBothFiles) {
   EXPECT_TRUE(KVTFileUtil::CopyFile(mSource, mTarget, true));
   EXPECT_FALSE(KVTFileUtil::CopyFile(mSource, File("no/target"), true));
   EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST_F(CopyFile, LeavesNothingOpenWhereMemoryRunsOut) {
+  const std::size_t before = OpenDescriptors();
+  bool copied = false;
+  for (std::size_t granted = 0; !copied; ++granted) {
+    ASSERT_LT(granted, 1000u);
+    try {
+      const hooks::FailingAllocator allocator(granted);
+      copied = KVTFileUtil::CopyFile(mSource, mTarget, false);
+    } catch (const std::bad_alloc&) {
+    }
+    EXPECT_EQ(OpenDescriptors(), before) << granted;
+  }
+  EXPECT_EQ(ReadFile(Path("target")), "0123456789");
 }
 
 // A target folder on a file system of its own with room for 16 pages.
