@@ -11,6 +11,7 @@
 #include "KVTFile.h"
 #include "KVTFileUtil.h"
 #include "hooks.h"
+#include "open_descriptors.h"
 #include "special_files.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
@@ -188,6 +189,14 @@ TEST(FileSize, IsZeroForADirectoryWithATrailingBackslash) {
   EXPECT_EQ(directory.File("d\\").GetSize(), 0u);
 }
 
+TEST(FileSize, ClosesTheDirectory) {
+  const TemporaryDirectory directory;
+  WriteFile(directory.Path("f"), "");
+  const std::size_t before = OpenDescriptors();
+  EXPECT_EQ(directory.File().GetSize(), 1u);
+  EXPECT_EQ(OpenDescriptors(), before);
+}
+
 // --- Kinds of files
 
 TEST(FileKind, IsALinkOnlyWhereTheTargetExists) {
@@ -287,6 +296,18 @@ TEST(FileDelete, RemovesASocketAndReturnsFalse) {
   MakeSocket(directory.Path("socket"));
   EXPECT_FALSE(directory.File("socket").Delete());
   EXPECT_FALSE(IsThere(directory.Path("socket")));
+}
+
+TEST(FileDelete, KeepsAnEmptyDirectoryBehindMoreThan512Units) {
+  const TemporaryDirectory directory;
+  fs::create_directory(directory.Path("d"));
+  // The kernel reads the separators as one.
+  const std::string atLimit =
+      directory.Path() + std::string(511 - directory.Path().size(), '/') + "d";
+  EXPECT_FALSE(KVTFile(FromUtf8(atLimit + "/")).Delete());
+  EXPECT_TRUE(IsThere(directory.Path("d")));
+  EXPECT_FALSE(KVTFile(FromUtf8(atLimit)).Delete());
+  EXPECT_FALSE(IsThere(directory.Path("d")));
 }
 
 // --- HasValidPath

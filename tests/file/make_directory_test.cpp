@@ -17,6 +17,7 @@
 #include "file_mode.h"
 #include "hooks.h"
 #include "namespaces.h"
+#include "open_descriptors.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -90,6 +91,7 @@ const WalkCase kWalkCases[] = {
     {"Dots", "./a/../b", {".//a/", ".//a//..//b"}, true, {"a", "b"}},
     {"Existing", "have", {}, false, {}},
     {"ExistingTrailing", "have/", {}, false, {}},
+    {"ExistingWithABackslash", "have\\", {}, false, {}},
     {"ThroughAFile", "file/a", {"file/"}, false, {}},
     {"OntoAFile", "file", {"file"}, false, {}},
     {"FileLater", "have/../file/a/b", {"have//..//file/"}, false, {}},
@@ -111,6 +113,7 @@ const WalkCase kWalkCases[] = {
     {"DriveAlone", "C:", {"C:"}, true, {"C:"}},
     {"DrivePrefixMissing", "C:/a", {"C://a"}, false, {}},
     {"DriveTrailing", "C:/", {"C://"}, true, {"C:"}},
+    {"DriveTwoTrailing", "C://", {"C:///"}, true, {"C:"}},
     {"ColonComponent", "a/b:/c", {"a/", "a//b://c"}, false, {"a"}},
     {"ColonBeforeTheLastUnit", "x:y", {}, true, {}},
     {"ColonBeforeTheLastUnitLater", "a/x:y", {"a/"}, true, {"a"}},
@@ -137,6 +140,20 @@ TEST_P(WalkTable, AsksForEachMissingDirectory) {
 
 INSTANTIATE_TEST_SUITE_P(, WalkTable, testing::ValuesIn(kWalkCases),
                          [](const auto& test) { return test.param.name; });
+
+TEST_F(MakingDirectories, LeavesADrivePrefixAloneAndGoesOnBelowIt) {
+  fs::create_directory("C:");
+  Texts looks;
+  const Requests requests;
+  hooks::Scoped hook(hooks::onStat,
+                     [&looks](const char* path, struct stat* status) {
+                       looks.push_back(path);
+                       return hooks::RealStat(path, status);
+                     });
+  EXPECT_TRUE(KVTFile("C:/a").MakeDirectory(true, nullptr));
+  EXPECT_EQ(requests.Paths(), Texts{"C://a"});
+  EXPECT_EQ(looks, (Texts{"C:/a", "C://a"}));
+}
 
 TEST(AbsoluteWalk, StartsAtTheRoot) {
   std::set<std::string> made;
@@ -413,6 +430,13 @@ TEST_F(MakingDirectories, CreateFileIsFalseWhereTheFileCannotBeOpened) {
   EXPECT_FALSE(mDirectory.File("f").CreateFile(false, nullptr));
   EXPECT_FALSE(mDirectory.File("f").CreateFile(true, nullptr));
   EXPECT_EQ(modes, (Texts{"w", "w"}));
+}
+
+TEST_F(MakingDirectories, CreateFileClosesTheFile) {
+  const std::size_t before = OpenDescriptors();
+  EXPECT_TRUE(mDirectory.File("f").CreateFile(false, nullptr));
+  EXPECT_TRUE(mDirectory.File("a/f").CreateFile(true, nullptr));
+  EXPECT_EQ(OpenDescriptors(), before);
 }
 
 TEST_F(MakingDirectories, CreateFileMakesAFileBehindADanglingLink) {

@@ -295,6 +295,13 @@ TEST_F(UniqueFile, LeavesTheFileInTmpWhereTheNameIsRefused) {
   EXPECT_THAT(NamesIn("/tmp/target"), IsEmpty());
 }
 
+TEST_F(UniqueFile, TakesAFolderInThePrefix) {
+  const KVTFile made = KVTFileUtil::CreateUniqueFile("/tmp", "target/p", "e");
+  EXPECT_THAT(Utf8(made), MatchesRegex("/tmp/target/p[A-Za-z0-9]{6}\\.e"));
+  EXPECT_TRUE(made.Exists());
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
 TEST_F(UniqueFile, NamesItsPlaceEvenWhereTheMoveFails) {
   hooks::Scoped hook(hooks::onSendfile,
                      [](int, int, off_t*, std::size_t) -> ssize_t {
