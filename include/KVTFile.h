@@ -213,9 +213,10 @@ class KVT_EXPORT KVTFile {
   /// that a directory in the root is refused.  With `createParents` true every
   /// missing component is made from the start of the path on; at the first
   /// failure the call returns false, and what was made stays.  Callers rely on
-  /// two results there: a component that ends in a colon and has a separator
-  /// behind it (C:/), or a last component with a colon before its last unit
-  /// (x:y), is passed over; and p/x/x/ makes p and p/x only and returns true.
+  /// two results there: a component that ends in a colon with another one
+  /// behind it (the C: of C:/a, but not that of C:/), or a last component with
+  /// a colon before its last unit (x:y), is passed over; and p/x/x/ makes p and
+  /// p/x only and returns true.
   bool MakeDirectory(bool createParents, KVTErrorCodeEnum* ignored = nullptr);
 
   /// Makes an empty file (fopen(3) with "w") and tells whether that was done.

@@ -112,7 +112,8 @@ class KVT_EXPORT KVTFileUtil {
 
   /// Copies as CopyFile does and removes `source`, also from one file system to
   /// another.  Returns false when either fails: when the copy succeeded and
-  /// `source` cannot be removed, both files are there.
+  /// `source` cannot be removed, both files are there.  Callers rely on a move
+  /// onto itself removing the file, with true as the result.
   static bool MoveFile(const KVTFile& source, const KVTFile& target,
                        bool failIfExists);
 
@@ -120,7 +121,8 @@ class KVT_EXPORT KVTFileUtil {
   /// parents (KVTFile::MakeDirectory).  Returns false, with nothing made, when
   /// `source` does not exist.  Callers rely on the directory being
   /// KVTFile::GetParentPath(false): a bare name is its own directory, so the
-  /// call makes one of that name where nothing stands, and returns false.
+  /// call makes one of that name where nothing stands, and returns false; a
+  /// child of the root has none and always gives false.
   static bool CopyFileCreateDir(const KVTFile& source, const KVTFile& target,
                                 bool failIfExists);
 
@@ -195,7 +197,8 @@ class KVT_EXPORT KVTFileUtil {
   /// last.
   ///
   /// The file is made in /tmp first and moved (MoveFile) unless `directory` is
-  /// that very text.  Returns a file with an empty path when `directory` is
+  /// that very text; so its mode is 0600 in /tmp and 0644 under the umask
+  /// elsewhere.  Returns a file with an empty path when `directory` is
   /// empty or no directory, when no file can be made, or when RenameFile
   /// refuses the name; the file then stays in /tmp under mkstemp's name.
   /// Callers rely on being given the new path even when the move failed, and on
