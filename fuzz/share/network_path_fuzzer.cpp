@@ -25,16 +25,20 @@ struct Node {
   sockaddr_in6 address;
 };
 
-Units OrUntouched(const std::optional<Units>& piece) {
-  return piece.value_or(Units{'?'});
+const KVTString kUntouched("untouched by the call");
+
+KVTString OrUntouched(const std::optional<Units>& piece) {
+  return KVTString(piece.value_or(kUntouched));
 }
 
 void CheckCuts(KVTShareFileInternal& paths, const KVTString& text) {
-  KVTString parent("?");
+  KVTString parent(kUntouched);
   const int parentResult = paths.GetParentPath(text, parent);
-  Require((parentResult == 0) == (!parent.empty() && parent != KVTString("?")),
+  Require((parent == kUntouched) == text.empty(),
+          "a parent is assigned unless the path is empty");
+  Require((parentResult == 0) == (!text.empty() && !parent.empty()),
           "there is a parent exactly when the result is 0");
-  KVTString name("?");
+  KVTString name(kUntouched);
   const int nameResult = paths.GetFileName(text, name);
   Require((nameResult == 0) == !name.empty(),
           "there is a name exactly when the result is 0");
@@ -71,9 +75,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
   const KVTString text(decoded);  // as calls by value see it
   KVTShareFile share;
 
-  KVTString hostIp("?");
-  KVTString shareFolder("?");
-  KVTString remainder("?");
+  KVTString hostIp(kUntouched);
+  KVTString shareFolder(kUntouched);
+  KVTString remainder(kUntouched);
   const int result =
       share.ParseNetworkPath(text, hostIp, shareFolder, remainder);
   const model::Pieces expected = model::Parse(text, kNames);
