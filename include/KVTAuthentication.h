@@ -45,28 +45,42 @@ class KVT_EXPORT KVTAuthentication {
   /// An empty argument changes nothing, and callers rely on that: it takes a
   /// Reset call, or clear(), to empty a field.  The result is always 0.
   /// @{
+
+  /// Stores the user name.
   int SetUser(KVTString user);
+  /// Stores the password.
   int SetPassword(KVTString password);
+  /// Stores the domain.
   int SetDomain(KVTString domain);
   /// @}
 
   /// @name Reading
   /// @{
+
+  /// Returns the user name.
   KVTString GetUser();
   /// Returns the password in clear.
   KVTString GetPassword();
+  /// Returns the domain.
   KVTString GetDomain();
 
+  /// Tells whether the user name is not empty.
   bool IsUserSet();
+  /// Tells whether the password is not empty.
   bool IsPasswordSet();
+  /// Tells whether the domain is not empty.
   bool IsDomainSet();
   /// @}
 
   /// @name Emptying
   /// The result is always 0.
   /// @{
+
+  /// Empties the user name.
   int ResetUser();
+  /// Empties the password; its old text stays in memory that was released.
   int ResetPassword();
+  /// Empties the domain.
   int ResetDomain();
   /// Empties user, password and domain.
   int clear();

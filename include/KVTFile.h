@@ -51,8 +51,11 @@ class KVT_EXPORT KVTFile {
   /// Copies `path`, like every copy of a KVTString up to its first zero unit.
   KVTFile(const KVTString& path);
 
+  /// Copies the path up to its first zero unit.
   KVTFile(const KVTFile& other);
+  /// Assigns the whole path.
   KVTFile& operator=(const KVTFile& other);
+  /// Leaves the disk alone.
   virtual ~KVTFile();
 
   /// Tells whether both paths have the same units: case and a trailing
@@ -64,6 +67,7 @@ class KVT_EXPORT KVTFile {
   /// Tells whether the path is not empty.
   bool HasPath() const;
 
+  /// Returns a copy of the path.
   KVTString GetPath() const;
 
   /// Assigns the path.  Always returns false; callers ignore it.

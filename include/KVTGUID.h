@@ -19,13 +19,17 @@ class KVT_EXPORT KVTGUID {
   /// not be null.
   KVTGUID(int data1, short data2, short data3, signed char* data4);
 
+  /// Copies all fields.
   KVTGUID(KVTGUID const& other);
+  /// Assigns all fields.
   KVTGUID& operator=(KVTGUID const& other);
 
+  /// Does nothing.
   virtual ~KVTGUID();
 
   /// Tells whether all fields are equal.
   bool operator==(KVTGUID const& other) const;
+  /// The opposite of operator==.
   bool operator!=(KVTGUID const& other) const;
 
   /// First group of the text form.

@@ -27,6 +27,7 @@ class KVT_EXPORT KVTLock {
   /// Calls pthread_mutex_unlock(3).  Always returns true.
   bool Unlock();
 
+  /// The mutex itself.
   pthread_mutex_t mMutex;
 };
 

@@ -30,23 +30,28 @@ class KVT_EXPORT KVTLoggingOptions {
   /// two empty paths.
   KVTLoggingOptions();
 
+  /// Leaves the logs alone.
   ~KVTLoggingOptions();
 
   /// The first field of every log line.
   KVTString GetApplicationName() const;
+  /// Stores the name.  Always returns true.
   bool SetApplicationName(const KVTString& name);
 
   /// A number that callers may keep here; the logger copies it and never looks
   /// at it.  The internal log takes every line whatever it is.
   int NumberOfSupportedLevels() const;
+  /// Stores the number unchecked.  Always returns true.
   bool SetNumberOfSupportedLevels(int levels);
 
   /// Where the user log is opened.
   KVTFile GetUserLogFile() const;
+  /// Stores the file.  Always returns true.
   bool SetUserLogFile(const KVTFile& file);
 
   /// Where the internal log is opened.
   KVTFile GetInternalLogFile() const;
+  /// Stores the file.  Always returns true.
   bool SetInternalLogFile(const KVTFile& file);
 
   /// Which lines the user log takes besides the internal log:
@@ -62,6 +67,7 @@ class KVT_EXPORT KVTLoggingOptions {
   /// Callers rely on 5 being a trace mode for the console, and on level 0
   /// passing like any other.
   int NumberOfLevelsToShowInUserLog() const;
+  /// Stores the number unchecked.  Always returns true.
   bool SetNumberOfLevelsToShowInUserLog(int levels);
 
  private:

@@ -20,18 +20,30 @@
 /// bytes.
 class KVT_EXPORT IKVTStream {
  public:
+  /// Does nothing.
   virtual ~IKVTStream();
 
+  /// One byte.
   virtual long long TransferByte(unsigned char& value) = 0;
+  /// `count` bytes.
   virtual long long TransferByte(unsigned char* values, long long count) = 0;
+  /// A text.
   virtual KVTString TransferString(KVTString& value, bool, bool) = 0;
+  /// One truth value.
   virtual long long TransferBool(bool& value) = 0;
+  /// `count` truth values.
   virtual long long TransferBool(bool* values, long long count) = 0;
+  /// One 16-bit number.
   virtual long long TransferInt16(short& value) = 0;
+  /// `count` 16-bit numbers.
   virtual long long TransferInt16(short* values, long long count) = 0;
+  /// One 32-bit number.
   virtual long long TransferInt32(int& value) = 0;
+  /// `count` 32-bit numbers.
   virtual long long TransferInt32(int* values, long long count) = 0;
+  /// One 64-bit number.
   virtual long long TransferInt64(long long& value) = 0;
+  /// `count` 64-bit numbers.
   virtual long long TransferInt64(long long* values, long long count) = 0;
   /// A remark for people who look at the stored bytes.
   virtual void Comment(char* text) = 0;
@@ -42,19 +54,25 @@ class KVT_EXPORT IKVTStream {
   virtual unsigned long long Tell() = 0;
   /// Ends the content at the position.
   virtual void SetEndOfStream() = 0;
+  /// Hands on what is buffered.
   virtual void Flush() = 0;
+  /// Tells whether the stream can be used.
   virtual KVTStreamState GetStreamState() = 0;
 
+  /// Tells whether Transfer operations fill their variables.
   virtual bool IsReading() const = 0;
+  /// Tells whether Transfer operations store their variables.
   virtual bool IsWriting() const = 0;
 
   /// Keeps a wish for the other byte order.
   virtual void SetSwapping(bool swapping) = 0;
+  /// Returns the wish that was kept.
   virtual bool GetSwapping() const = 0;
 
   /// Makes the stream ready for use, the counterpart of Close; returns whether
   /// it is.  Nothing in the library calls it.
   virtual bool Open() = 0;
+  /// Ends the use of the stream.
   virtual void Close() = 0;
 };
 
@@ -140,7 +158,9 @@ class KVT_EXPORT KVTReadStream : public IKVTStream {
 /// text and changes nothing.
 class KVT_EXPORT KVTWriteStream : public IKVTStream {
  public:
+  /// Keeps `transport` without ever using it.
   KVTWriteStream(IKVTTransferBytes* transport);
+  /// Leaves the transport alone.
   ~KVTWriteStream() override;
 
   long long TransferByte(unsigned char& value) override;
@@ -179,7 +199,9 @@ class KVT_EXPORT KVTWriteStream : public IKVTStream {
 /// writing.
 class KVT_EXPORT KVTReadWriteStream : public IKVTStream {
  public:
+  /// Keeps `transport` without ever using it.
   KVTReadWriteStream(IKVTTransferBytes* transport);
+  /// Leaves the transport alone.
   ~KVTReadWriteStream() override;
 
   long long TransferByte(unsigned char& value) override;

@@ -82,6 +82,7 @@ class KVT_EXPORT KVTString
   /// Assigns the whole value of `other`, zero units included.
   KVTString& operator=(KVTString const& other);
 
+  /// Erases nothing: the text stays in memory that was released.
   virtual ~KVTString();
 
   /// @}

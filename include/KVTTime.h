@@ -21,19 +21,28 @@ class KVT_EXPORT KVTTime {
   /// Takes `seconds` since 1970-01-01 00:00:00 UTC.
   KVTTime(unsigned long long seconds);
 
+  /// Copies the seconds.
   KVTTime(KVTTime const& other);
+  /// Assigns the seconds.
   KVTTime& operator=(KVTTime const& other);
 
+  /// Does nothing.
   virtual ~KVTTime();
 
   /// @name Comparison of the seconds as unsigned numbers
   /// A date before 1970 is held as a very large number and so comes after every
   /// later date.
   /// @{
+
+  /// Tells whether both are equal.
   bool operator==(KVTTime const& other) const;
+  /// Tells whether they differ.
   bool operator!=(KVTTime const& other) const;
+  /// Tells whether this time comes before `other`.
   bool operator<(KVTTime const& other) const;
+  /// Tells whether this time comes after `other`.
   bool operator>(KVTTime const& other) const;
+  /// The same as operator==.
   bool Equals(KVTTime const& other) const;
   /// @}
 

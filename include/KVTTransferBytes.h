@@ -37,6 +37,7 @@ enum KVTStreamState {
 /// What the typed streams read from and write to.
 class KVT_EXPORT IKVTTransferBytes {
  public:
+  /// Does nothing.
   virtual ~IKVTTransferBytes();
 
   /// Reads up to `size` bytes into `buffer`; returns how many came.
@@ -52,8 +53,10 @@ class KVT_EXPORT IKVTTransferBytes {
   /// Returns the position.
   virtual unsigned long long Tell() = 0;
 
+  /// Hands on what is buffered.
   virtual void Flush() = 0;
 
+  /// Tells whether the transport can be used.
   virtual KVTStreamState GetStreamState() = 0;
 
   /// Ends the content at the position.
