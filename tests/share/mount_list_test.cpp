@@ -208,6 +208,14 @@ TEST_F(MountList, FindsAMountThatTheKernelLists) {
   EXPECT_EQ(folder, "/mnt/elsewhere");
 }
 
+TEST_F(MountList, MissesAShareWithABlankThatTheKernelLists) {
+  ASSERT_EQ(mkdir("/mnt/elsewhere", 0755), 0);
+  MountForReal("//10.0.0.5/my docs", "/mnt/elsewhere");
+  EXPECT_EQ(Find("//10.0.0.5/my docs"), 1);
+  EXPECT_EQ(Find("//10.0.0.5/my\\040docs"), 0);
+  EXPECT_EQ(folder, "/mnt/elsewhere");
+}
+
 TEST_F(MountList, MayPutTheFolderIntoTheTextOfTheShare) {
   manager.mMountedShares["//10.0.0.5/docs"] = "/mnt/orbmountQ";
   KVTString text("//10.0.0.5/docs");

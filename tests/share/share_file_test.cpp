@@ -5,7 +5,9 @@
 #include <string.h>
 #include <sys/stat.h>
 
+#include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "KVTShareFile.h"
@@ -153,6 +155,16 @@ TEST_F(SendFile, RefusesADirectoryAsSource) {
   EXPECT_TRUE(mount.Calls().empty());
 }
 
+TEST_F(SendFile, RefusesADirectoryWrittenWithBackslashes) {
+  const FakeMount mount;
+  KVTString directory = local.Text();
+  directory.ReplaceAll("/", "\\");
+  EXPECT_EQ(Send(directory, "//10.0.0.5/docs/b"), 1);
+  EXPECT_EQ(Send("//10.0.0.5/docs/b", directory), 1);
+  EXPECT_EQ(sleep.Seconds(), Sleeps{});
+  EXPECT_TRUE(mount.Calls().empty());
+}
+
 TEST_F(SendFile, RefusesADirectoryAsDestination) {
   const FakeMount mount;
   error = "earlier text";
@@ -290,6 +302,7 @@ TEST(ShareFileInstance, IsOneObjectForAllThreeClasses) {
   EXPECT_EQ(static_cast<void*>(manager), static_cast<void*>(instance));
   EXPECT_EQ(static_cast<void*>(internal), static_cast<void*>(instance));
   EXPECT_EQ(sizeof(KVTShareFile), sizeof(std::map<KVTString, KVTString>));
+  EXPECT_FALSE(std::is_polymorphic<KVTShareFile>::value);
 }
 
 }  // namespace
