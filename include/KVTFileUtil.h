@@ -307,8 +307,11 @@ class KVT_EXPORT KVTFileUtil {
   /// named by the text of `url` behind the last "/", query included.  Returns 0
   /// on success and 1 on failure; callers rely on that sense.
   ///
-  /// Success is the response code 200, or 226 from FTP, with nothing wrong on
-  /// the way.  Redirects (301, 302) are not followed and fail, and so does 206.
+  /// Success is a transfer that libcurl finds nothing wrong with and that ends
+  /// with the response code 200, or with 226, the code of FTP.  Callers rely on
+  /// a failing fclose(3) counting for 200 alone: where the disk fills up with
+  /// the last bytes, a download over FTP succeeds without them.  Redirects
+  /// (301, 302) are not followed and fail, and so does 206.
   ///
   /// Fails before anything is sent when KVTFile::ParentExists is false for
   /// `target`, and so for a bare name that does not exist yet and for every
@@ -328,9 +331,9 @@ class KVT_EXPORT KVTFileUtil {
   /// libcurl.
   ///
   /// Creates or empties "/tmp/curlFile", which stays behind, and deletes
-  /// "curlFile" from the current directory; callers rely on both.  Where the
-  /// first cannot be opened, the second stays, and a body that the server sends
-  /// all the same goes to standard output.
+  /// "curlFile", a file or an empty directory, from the current directory;
+  /// callers rely on both.  Where the first cannot be opened, the second stays,
+  /// and a body that the server sends all the same goes to standard output.
   static bool IsURLValid(const KVTString& url);
 
   /// @}
