@@ -23,19 +23,26 @@ constexpr proxy kNoProxy = {0, nullptr, nullptr};
 const KVTString kUrl = FromUtf8("http://host/b\xC3\xBC.txt?x=1");
 
 // Has each file that is opened for writing shown as "the file" and noted with
-// its path and mode, as one of the calls.
-class NotedFopen {
+// its path and mode, as one of the calls, and so its closing.
+class NotedFile {
  public:
-  explicit NotedFopen(CurlRecorder& curl)
-      : mHook(hooks::onFopen, [&curl](const char* path, const char* mode) {
-          curl.Note(std::string("fopen ") + path + " " + mode);
-          FILE* const file = hooks::RealFopen(path, mode);
-          curl.NamePointer(file, "the file");
-          return file;
+  explicit NotedFile(CurlRecorder& curl)
+      : mFopen(hooks::onFopen,
+               [this, &curl](const char* path, const char* mode) {
+                 curl.Note(std::string("fopen ") + path + " " + mode);
+                 mFile = hooks::RealFopen(path, mode);
+                 curl.NamePointer(mFile, "the file");
+                 return mFile;
+               }),
+        mFclose(hooks::onFclose, [this, &curl](FILE* file) {
+          if (file == mFile) curl.Note("fclose the file");
+          return hooks::RealFclose(file);
         }) {}
 
  private:
-  hooks::Scoped<decltype(hooks::onFopen)> mHook;
+  FILE* mFile = nullptr;
+  hooks::Scoped<decltype(hooks::onFopen)> mFopen;
+  hooks::Scoped<decltype(hooks::onFclose)> mFclose;
 };
 
 // --- proxy and write_data
@@ -78,31 +85,33 @@ class GetFileCalls : public testing::Test {
 };
 
 TEST_F(GetFileCalls, SetsThreeOptionsWithoutAProxy) {
-  const NotedFopen noted(mCurl);
+  const NotedFile noted(mCurl);
   mCurl.responseCode = 200;
   EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mTarget, kNoProxy), 0);
-  EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "fopen " + mTargetPath + " wb",
-                          "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
-                          "CURLOPT_WRITEFUNCTION write_data",
-                          "CURLOPT_WRITEDATA the file", "perform",
-                          "CURLINFO_RESPONSE_CODE", "cleanup"));
+  EXPECT_THAT(
+      mCurl.Calls(),
+      ElementsAre("init", "fopen " + mTargetPath + " wb",
+                  "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
+                  "CURLOPT_WRITEFUNCTION write_data",
+                  "CURLOPT_WRITEDATA the file", "perform",
+                  "CURLINFO_RESPONSE_CODE", "cleanup", "fclose the file"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 
 TEST_F(GetFileCalls, SetsTheProxyFirst) {
-  const NotedFopen noted(mCurl);
+  const NotedFile noted(mCurl);
   mCurl.responseCode = 200;
   const proxy settings = {1, "http://10.0.0.1:8888", "user:secret"};
   EXPECT_EQ(KVTFileUtil::GetFile(kUrl, mTarget, settings), 0);
-  EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "fopen " + mTargetPath + " wb",
-                          "CURLOPT_PROXY http://10.0.0.1:8888",
-                          "CURLOPT_PROXYUSERPWD user:secret",
-                          "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
-                          "CURLOPT_WRITEFUNCTION write_data",
-                          "CURLOPT_WRITEDATA the file", "perform",
-                          "CURLINFO_RESPONSE_CODE", "cleanup"));
+  EXPECT_THAT(
+      mCurl.Calls(),
+      ElementsAre("init", "fopen " + mTargetPath + " wb",
+                  "CURLOPT_PROXY http://10.0.0.1:8888",
+                  "CURLOPT_PROXYUSERPWD user:secret",
+                  "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
+                  "CURLOPT_WRITEFUNCTION write_data",
+                  "CURLOPT_WRITEDATA the file", "perform",
+                  "CURLINFO_RESPONSE_CODE", "cleanup", "fclose the file"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 

@@ -8,6 +8,7 @@
 
 #include "KVTFileUtil.h"
 #include "curl_hooks.h"
+#include "special_files.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -117,6 +118,14 @@ TEST_F(GetFileDestination, MayEndInASlash) {
 TEST_F(GetFileDestination, MayNotEndInABackslashThoughItCountsAsADirectory) {
   EXPECT_EQ(Get(mDirectory.Path() + "\\"), 1);
   EXPECT_THAT(mCurl.Calls(), ElementsAre("init", "cleanup"));
+}
+
+// A socket is a directory for KVTFileUtil::IsDirectory, and stays.
+TEST_F(GetFileDestination, MayNotBeASocketThoughItCountsAsADirectory) {
+  MakeSocket(mDirectory.Path("socket"));
+  EXPECT_EQ(Get(mDirectory.Path("socket")), 1);
+  EXPECT_THAT(mCurl.Calls(), ElementsAre("init", "cleanup"));
+  EXPECT_TRUE(mDirectory.File("socket").Exists());
 }
 
 // KVTFile::ParentExists looks at a bare name itself.

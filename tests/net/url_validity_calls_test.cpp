@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "KVTFileUtil.h"
@@ -26,13 +27,23 @@ class IsURLValidCalls : public testing::Test {
   const hooks::Scoped<decltype(hooks::onFopen)> mFopen{
       hooks::onFopen, [this](const char* path, const char* mode) {
         mCurl.Note(std::string("fopen ") + path + " " + mode);
-        FILE* const file =
-            mOpens ? hooks::RealFopen(mDirectory.Path("body").c_str(), mode)
-                   : nullptr;
-        mCurl.NamePointer(file, "the file");
-        return file;
+        mFile = mOpens ? hooks::RealFopen(mDirectory.Path("body").c_str(), mode)
+                       : nullptr;
+        mCurl.NamePointer(mFile, "the file");
+        return mFile;
+      }};
+  const hooks::Scoped<decltype(hooks::onFclose)> mFclose{
+      hooks::onFclose, [this](FILE* file) {
+        if (file == mFile) mCurl.Note("fclose the file");
+        return hooks::RealFclose(file);
+      }};
+  const hooks::Scoped<decltype(hooks::onRemove)> mRemove{
+      hooks::onRemove, [this](const char* path) {
+        mCurl.Note(std::string("remove ") + path);
+        return hooks::RealRemove(path);
       }};
   bool mOpens = true;
+  FILE* mFile = nullptr;
 };
 
 TEST_F(IsURLValidCalls, SetThreeOptionsAndNoProxy) {
@@ -43,7 +54,7 @@ TEST_F(IsURLValidCalls, SetThreeOptionsAndNoProxy) {
       ElementsAre("init", "fopen /tmp/curlFile w", "CURLOPT_WRITEDATA the file",
                   "CURLOPT_URL http://host/b\xC3\xBC.txt?x=1",
                   "CURLOPT_NOBODY 1", "perform", "CURLINFO_RESPONSE_CODE",
-                  "cleanup"));
+                  "cleanup", "fclose the file", "remove curlFile"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }
 
@@ -67,6 +78,13 @@ TEST_F(IsURLValidCalls, RemoveCurlFileFromTheWorkingDirectory) {
   EXPECT_FALSE(KVTFileUtil::IsURLValid(kUrl));
   EXPECT_FALSE(mDirectory.File("curlFile").Exists());
   EXPECT_TRUE(mDirectory.File("body").Exists());
+}
+
+TEST_F(IsURLValidCalls, RemoveAnEmptyDirectoryOfThatNameToo) {
+  std::filesystem::create_directory("curlFile");
+  mCurl.responseCode = 200;
+  EXPECT_TRUE(KVTFileUtil::IsURLValid(kUrl));
+  EXPECT_FALSE(mDirectory.File("curlFile").Exists());
 }
 
 TEST_F(IsURLValidCalls, FailWithoutAHandle) {

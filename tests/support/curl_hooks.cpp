@@ -39,6 +39,8 @@ const auto realSetopt = Real<decltype(curl_easy_setopt)>("curl_easy_setopt");
 const auto realPerform = Real<decltype(curl_easy_perform)>("curl_easy_perform");
 const auto realGetinfo = Real<decltype(curl_easy_getinfo)>("curl_easy_getinfo");
 const auto realCleanup = Real<decltype(curl_easy_cleanup)>("curl_easy_cleanup");
+const auto realGlobalInit =
+    Real<decltype(curl_global_init)>("curl_global_init");
 
 curl_easytype TypeOf(CURLoption option) {
   const curl_easyoption* const known = curl_easy_option_by_id(option);
@@ -249,6 +251,11 @@ void curl_easy_cleanup(CURL* handle) {
   } else {
     active->Cleanup(handle);
   }
+}
+
+CURLcode curl_global_init(long flags) {
+  if (active != nullptr) active->Note("curl_global_init");
+  return realGlobalInit(flags);
 }
 
 }  // extern "C"

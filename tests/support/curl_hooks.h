@@ -2,9 +2,10 @@
 /// in which order, and scripted answers.
 ///
 /// A test program that links kvt_test_curl_hooks defines curl_easy_init,
-/// curl_easy_setopt, curl_easy_perform, curl_easy_getinfo and curl_easy_cleanup
-/// itself, so the dynamic linker gives its definitions to the library.  While a
-/// CurlRecorder lives, they note each call there; otherwise libcurl answers.
+/// curl_easy_setopt, curl_easy_perform, curl_easy_getinfo, curl_easy_cleanup
+/// and curl_global_init itself, so the dynamic linker gives its definitions to
+/// the library.  While a CurlRecorder lives, they note each call there;
+/// otherwise libcurl answers.
 ///
 ///     CurlRecorder curl;
 ///     curl.performResult = CURLE_COULDNT_CONNECT;
@@ -60,8 +61,8 @@ class CurlRecorder {
   /// @}
 
   /// The calls so far, in order: "init" (also when it gave null), "perform",
-  /// "cleanup", "CURLINFO_RESPONSE_CODE", and for curl_easy_setopt the option
-  /// and its value:
+  /// "cleanup", "CURLINFO_RESPONSE_CODE", "curl_global_init", and for
+  /// curl_easy_setopt the option and its value:
   ///
   ///     CURLOPT_URL smb://10.0.0.5/docs/a   a text as it is; "null" for null
   ///     CURLOPT_UPLOAD 1                    long and curl_off_t in decimal
