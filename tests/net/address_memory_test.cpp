@@ -1,8 +1,9 @@
-// IsValidIPV6Address when memory runs out.
+// The address checks when memory runs out.
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <new>
 
 #include "KVTFileUtil.h"
 #include "hooks.h"
@@ -70,6 +71,27 @@ TEST(IPV6Address, LetsNoExceptionOut) {
   for (std::size_t granted = 1; granted < 20; ++granted) {
     const hooks::FailingAllocator failing(granted);
     EXPECT_NO_THROW(KVTFileUtil::IsValidIPV6Address(address));
+  }
+}
+
+// IsValidIPV6Address alone holds the failure back.
+TEST(OtherAddressChecks, LetTheFailureOut) {
+  const KVTString address = FromUtf8("192.168.101.102");
+  {
+    const hooks::FailingAllocator failing(1);
+    EXPECT_THROW(KVTFileUtil::IsValidIPV4Address(address), std::bad_alloc);
+  }
+  {
+    const hooks::FailingAllocator failing(1);
+    EXPECT_THROW(KVTFileUtil::IsValidHostNameAddress(address), std::bad_alloc);
+  }
+  {
+    const hooks::FailingAllocator failing(1);
+    EXPECT_THROW(KVTFileUtil::GetAddressType(address), std::bad_alloc);
+  }
+  {
+    const hooks::FailingAllocator failing(1);
+    EXPECT_THROW(KVTFileUtil::MaskIP(address), std::bad_alloc);
   }
 }
 

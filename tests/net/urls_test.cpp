@@ -10,6 +10,7 @@
 
 #include "KVTFileUtil.h"
 #include "captured_descriptor.h"
+#include "hooks.h"
 #include "random_seed.h"
 #include "test_strings.h"
 #include "url_models.h"
@@ -138,6 +139,20 @@ TEST_P(LocationTable, GivesItsUrlAndPrintsTheRest) {
 
 INSTANTIATE_TEST_SUITE_P(, LocationTable, testing::ValuesIn(kLocations),
                          [](const auto& test) { return test.param.name; });
+
+// toupper(3) decides, on each unit as a number from 0 to 65535.
+TEST(NetworkLocation, IsPutThroughToupperUpToTheDelimiter) {
+  std::vector<int> asked;
+  const hooks::Scoped upper(hooks::onToupper, [&asked](int character) {
+    asked.push_back(character);
+    return character == 0x20AC ? 'F' : character;
+  });
+  EXPECT_TRUE(KVTFileUtil::IsProtocolAddedToURL(FromUtf8("FTP/x")));
+  EXPECT_FALSE(KVTFileUtil::IsProtocolAddedToURL(FromUtf8("ftp/x")));
+  EXPECT_TRUE(KVTFileUtil::IsProtocolAddedToURL(FromUtf8("\xE2\x82\xACTP")));
+  EXPECT_THAT(asked,
+              ElementsAre('F', 'T', 'P', 'f', 't', 'p', 0x20AC, 'T', 'P'));
+}
 
 TEST(NetworkLocation, MayBeTheResultToo) {
   KVTString text = FromUtf8("https://server/x");
