@@ -85,7 +85,7 @@ class FullDisk : public Download {
   std::optional<ScopedCover> mCover;
 };
 
-TEST_F(FullDisk, FailsAnDownloadWhenTheFileIsClosed) {
+TEST_F(FullDisk, FailsAnHttpDownloadWhenTheFileIsClosed) {
   EXPECT_EQ(KVTFileUtil::GetFile(FromUtf8(Servers::Http("hello.txt")),
                                  mDirectory.File("full/x"), kNoProxy),
             1);

@@ -58,18 +58,28 @@ class FailureTable : public HttpDownload,
 
 TEST_P(FailureTable, LeavesTheBodyOfTheAnswerInPlaceOfTheOldFile) {
   WriteFile(TheServers().Files().Path("hello.txt"), "hello");
-  WriteFile(mTargetPath, "an old file, longer than some of the answers");
-  EXPECT_EQ(Get(Servers::Http(GetParam().path)), 1);
-  if (GetParam().isPage) {
-    EXPECT_THAT(ReadFile(mTargetPath), StartsWith("<html>"));
-    EXPECT_THAT(ReadFile(mTargetPath), HasSubstr(GetParam().left));
-  } else {
-    EXPECT_EQ(ReadFile(mTargetPath), GetParam().left);
+  for (const std::string& url :
+       {Servers::Http(GetParam().path), Servers::Https(GetParam().path)}) {
+    SCOPED_TRACE(url);
+    WriteFile(mTargetPath, "an old file, longer than some of the answers");
+    EXPECT_EQ(Get(url), 1);
+    if (GetParam().isPage) {
+      EXPECT_THAT(ReadFile(mTargetPath), StartsWith("<html>"));
+      EXPECT_THAT(ReadFile(mTargetPath), HasSubstr(GetParam().left));
+    } else {
+      EXPECT_EQ(ReadFile(mTargetPath), GetParam().left);
+    }
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(, FailureTable, testing::ValuesIn(kFailures),
                          [](const auto& test) { return test.param.name; });
+
+// The code decides, whatever the protocol that it came by.
+TEST_F(HttpDownload, SucceedsWithTheCodeOfAFinishedFtpTransferToo) {
+  EXPECT_EQ(Get(Servers::Http("answers/226")), 0);
+  EXPECT_EQ(ReadFile(mTargetPath), "used");
+}
 
 // --- Connections that fail
 
@@ -79,6 +89,17 @@ TEST_F(HttpDownload, CutInTheMiddleLeavesWhatArrived) {
     connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf");
   });
   EXPECT_EQ(Get("http://127.0.0.1:" + std::to_string(server.Port()) + "/x"), 1);
+  EXPECT_EQ(ReadFile(mTargetPath), "half");
+}
+
+// nginx hands on what it gets and then closes, as the server behind it did.
+TEST_F(HttpDownload, CutInTheMiddleOverHttpsLeavesWhatArrived) {
+  const ScriptedServer server([](ScriptedConnection& connection) {
+    connection.ReadHead();
+    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf");
+  });
+  EXPECT_EQ(Get(Servers::Https("relay?port=" + std::to_string(server.Port()))),
+            1);
   EXPECT_EQ(ReadFile(mTargetPath), "half");
 }
 

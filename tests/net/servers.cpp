@@ -62,6 +62,7 @@ root @files@;
 index index;
 location = /answers/204 { return 204; }
 location = /answers/206 { return 206 "part"; }
+location = /answers/226 { return 226 "used"; }
 location = /answers/301 { return 301 /hello.txt; }
 location = /answers/302 { return 302 /hello.txt; }
 location = /answers/307 { return 307 /hello.txt; }
@@ -70,6 +71,10 @@ location = /answers/500 { return 500 "out of order"; }
 location = /head {
   if ($request_method != HEAD) { return 405; }
   return 200;
+}
+location = /relay {
+  proxy_pass http://127.0.0.1:$arg_port;
+  proxy_buffering off;
 }
 location = /via { return 200 "$http_via"; }
 )";

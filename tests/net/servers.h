@@ -24,9 +24,10 @@ class Servers {
 
   /// "http://127.0.0.1:8080/" + path.  What it answers:
   /// - the files that Files() holds, 200; a folder's by its file "index"
-  /// - answers/206 ("part"), answers/301 and 302 and 307 (to "hello.txt"),
-  ///   answers/404 ("nothing here"), answers/500 ("out of order"),
-  ///   answers/204, each with that code
+  /// - answers/206 ("part"), answers/226 ("used"), answers/301 and 302 and 307
+  ///   (to "hello.txt"), answers/404 ("nothing here"), answers/500 ("out of
+  ///   order"), answers/204, each with that code
+  /// - relay?port=N: what the server on port N of loopback answers, as it comes
   /// - head: 200 to HEAD, 405 to anything else
   /// - via: the request's header "Via", empty when no proxy handed it on
   static std::string Http(const std::string& path);

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "KVTFileUtil.h"
 #include "captured_descriptor.h"
@@ -46,8 +48,9 @@ struct HttpCase {
 TEST_F(URLValidity, OfHttpAnswers) {
   const HttpCase cases[] = {
       {"hello.txt", true},    {"answers/204", false}, {"answers/206", false},
-      {"answers/301", true},  {"answers/302", false}, {"answers/307", false},
-      {"answers/404", false}, {"answers/500", false}, {"missing", false},
+      {"answers/226", true},  {"answers/301", true},  {"answers/302", false},
+      {"answers/307", false}, {"answers/404", false}, {"answers/500", false},
+      {"missing", false},
   };
   for (const HttpCase& c : cases) {
     EXPECT_EQ(IsValid(Servers::Http(c.path)), c.valid) << c.path;
@@ -160,6 +163,23 @@ TEST_F(URLValidity, LeavesNothingWhenTheWorkingDirectoryIsTmp) {
   const WorkingDirectory tmp("/tmp");
   EXPECT_TRUE(IsValid(Servers::Http("hello.txt")));
   EXPECT_FALSE(KVTFile(FromUtf8("/tmp/curlFile")).Exists());
+}
+
+TEST_F(URLValidity, MayBeAskedOnSeveralThreadsAtOnce) {
+  constexpr int kThreads = 4;
+  int rightAnswers[kThreads] = {};
+  std::vector<std::thread> threads;
+  for (int& right : rightAnswers) {
+    threads.emplace_back([&right] {
+      for (int i = 0; i < 10; ++i) {
+        if (IsValid(Servers::Http("hello.txt"))) ++right;
+        if (!IsValid(Servers::Http("missing"))) ++right;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(rightAnswers, testing::Each(20));
+  EXPECT_EQ(ReadFile("/tmp/curlFile"), "");
 }
 
 TEST_F(URLValidity, ReleasesItsHandleHoweverItEnds) {
