@@ -68,7 +68,9 @@ class KVT_EXPORT KVTConfigReader {
   /// variables.
   ///
   /// Throws std::bad_alloc when memory runs out, and what `in` throws when its
-  /// exceptions are enabled; what was read so far stays.
+  /// exceptions are enabled; what was read so far stays.  Memory that runs out
+  /// inside std::getline, for a line longer than those before, makes `in` bad
+  /// instead and so ends the reading.
   void ReadConfiguration(std::istream& in);
 
   /// Returns the sections in the order of the file: the reader's own vector,

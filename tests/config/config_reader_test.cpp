@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <new>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -11,6 +12,7 @@
 
 #include "KVTConfigReader.h"
 #include "config_model.h"
+#include "hooks.h"
 #include "random_seed.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
@@ -282,6 +284,63 @@ TEST(ConfigReader, LetsExceptionsOfTheStreamThrough) {
   KVTConfigReader reader(nothing);
   EXPECT_THROW(reader.ReadConfiguration(in), std::runtime_error);
   EXPECT_EQ(reader.GetConfiguration().size(), 1u);
+}
+
+// Reads `text` with the allocator failing after `granted` requests; gives how
+// many sections stand at the end, or -1 when std::bad_alloc came out.
+int SectionsWhenMemoryRunsOut(const std::string& text, std::size_t granted,
+                              std::ios::iostate& state, bool& refused) {
+  std::istringstream in(text);
+  std::istringstream nothing;
+  KVTConfigReader reader(nothing);
+  bool thrown = false;
+  {
+    hooks::FailingAllocator allocator(granted);
+    try {
+      reader.ReadConfiguration(in);
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    refused = allocator.Refused() > 0;
+  }
+  state = in.rdstate();
+  // What has been read is whole.
+  for (const KVTConfigSection& section : reader.GetConfiguration()) {
+    EXPECT_EQ(section.mName.substr(0, 4), KVTString("name"));
+  }
+  return thrown ? -1 : static_cast<int>(reader.GetConfiguration().size());
+}
+
+TEST(ConfigReader, LetsTheAllocatorsExceptionThrough) {
+  const std::string text = "[name 1]\nkey=val\n[name 2]\n[name 3]\nk=v\n";
+  std::ios::iostate state;
+  bool refused = true;
+  int failures = 0;
+  for (std::size_t granted = 0; refused; ++granted) {
+    const int count = SectionsWhenMemoryRunsOut(text, granted, state, refused);
+    EXPECT_EQ(count, refused ? -1 : 3) << granted;
+    if (refused) ++failures;
+  }
+  EXPECT_GT(failures, 3);
+}
+
+// The line reader of the standard library keeps it to itself.
+TEST(ConfigReader, StopsWhereMemoryRunsOutInsideALine) {
+  const std::string text =
+      "[name 1]\n" + std::string(100, 'x') + "\n[name 2]\n";
+  std::ios::iostate state;
+  bool refused = true;
+  bool stopped = false;
+  for (std::size_t granted = 0; refused; ++granted) {
+    const int count = SectionsWhenMemoryRunsOut(text, granted, state, refused);
+    if (count == 1) {
+      stopped = true;
+      EXPECT_EQ(state, std::ios::badbit | std::ios::failbit);
+    } else {
+      EXPECT_EQ(count, refused ? -1 : 2);
+    }
+  }
+  EXPECT_TRUE(stopped);
 }
 
 struct TrimCase {

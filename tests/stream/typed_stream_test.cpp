@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <new>
 #include <string>
 #include <type_traits>
@@ -15,6 +16,13 @@ using testing::_;
 using testing::InSequence;
 using testing::Return;
 using testing::StrictMock;
+
+static_assert(KVTSeekFromBeginning == 1 && KVTSeekFromCurrent == 2 &&
+                  KVTSeekFromEnd == 4,
+              "");
+static_assert(KVTStreamGood == 0 && KVTStreamAtEnd == 1 &&
+                  KVTStreamNoStorage == 2 && KVTStreamFailed == 3,
+              "");
 
 // The classes leave Open to be supplied.
 static_assert(std::is_abstract<KVTReadStream>::value, "");
@@ -71,6 +79,24 @@ TEST(ReadStream, DeletesItsTransportThroughTheInterface) {
 TEST(ReadStream, MayHaveNoTransport) {
   ReadStream stream(nullptr);
   EXPECT_TRUE(stream.IsReading());
+}
+
+TEST(ReadStreamDeathTest, TransfersNothingWithoutATransport) {
+  ReadStream stream(nullptr);
+  unsigned char byte = 0;
+  bool value = false;
+#ifdef __SANITIZE_ADDRESS__
+  const testing::Matcher<const std::string&> report =
+      testing::ContainsRegex("null pointer|SEGV");
+  EXPECT_DEATH(stream.TransferByte(byte), report);
+  EXPECT_DEATH(stream.TransferBool(value), report);
+  EXPECT_DEATH(stream.Tell(), report);
+#else
+  const testing::KilledBySignal crash(SIGSEGV);
+  EXPECT_EXIT(stream.TransferByte(byte), crash, "");
+  EXPECT_EXIT(stream.TransferBool(value), crash, "");
+  EXPECT_EXIT(stream.Tell(), crash, "");
+#endif
 }
 
 int closes = 0;
@@ -328,7 +354,10 @@ TEST(WriteStream, LeavesItsTransportUsable) {
   EXPECT_EQ(bytes.Write(text, 3), 3u);
 }
 
+KVTStreamUtil* const instanceAtLoad = KVTStreamUtil::mUtil;
+
 TEST(StreamUtil, MakesOneInstanceAndKeepsIt) {
+  EXPECT_EQ(instanceAtLoad, nullptr);
   KVTStreamUtil* const first = KVTStreamUtil::GetInstance();
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(KVTStreamUtil::GetInstance(), first);
