@@ -101,8 +101,7 @@ in_guest() {
     check "the mount folder is gone" is_gone /mnt/orbmountZ
 
     announce "An old server that speaks SMB 1 only, without a mount: send and fetch"
-    kill -KILL -- "-$(cat /run/samba/smbd.pid)"
-    "$samba" start "server max protocol = NT1"
+    "$samba" reconfigure "server max protocol = NT1"
     kvtshare send --smb1 $folder/report.bin //127.0.0.1/docs/old.bin "${login[@]}"
     check "the library reports success" status_is 0
     check "the server's own folder holds the same bytes" \

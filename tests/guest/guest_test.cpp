@@ -97,8 +97,8 @@ GuestTest::~GuestTest() {
 
 void GuestTest::UseServer(const std::vector<std::string>& settings) {
   if (gServerRuns && gServerSettings == settings) return;
-  if (gServerRuns) KillServer();
-  std::vector<std::string> command = {KVT_GUEST_SCRIPTS "/samba.sh", "start"};
+  std::vector<std::string> command = {KVT_GUEST_SCRIPTS "/samba.sh",
+                                      gServerRuns ? "reconfigure" : "start"};
   command.insert(command.end(), settings.begin(), settings.end());
   const ProgramRun run = RunProgram(command);
   if (run.status != 0)

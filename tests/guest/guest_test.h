@@ -41,8 +41,8 @@ class GuestTest : public testing::Test {
   GuestTest();
   ~GuestTest() override;
 
-  /// Has the file server run with these settings until the test ends; it is
-  /// restarted when it does not yet.
+  /// Has the file server run with these settings until the test ends, from the
+  /// next mount on.
   void UseServer(const std::vector<std::string>& settings);
   /// Ends the file server at once, as a crash would.
   void KillServer();

@@ -4,6 +4,9 @@
 # usage: samba.sh setup                   the account, the share's folder
 #        samba.sh start [SETTING...]      starts it, SETTINGs added to [global];
 #                                         returns once it listens
+#        samba.sh reconfigure [SETTING...]
+#                                         the same for the running server, from
+#                                         the next connection on
 #
 # The share `docs` is the folder /run/share; the account is root with the
 # password "secret".
@@ -73,11 +76,18 @@ start() {
     done
 }
 
+reconfigure() {
+    configure "$@"
+    # The server looks at its signals before it accepts a connection.
+    kill -HUP "$(cat $kServerId)"
+}
+
 case ${1:-} in
     setup) setup ;;
     start) start "${@:2}" ;;
+    reconfigure) reconfigure "${@:2}" ;;
     *)
-        echo "usage: samba.sh setup | start [SETTING...]" >&2
+        echo "usage: samba.sh setup | start [SETTING...] | reconfigure [SETTING...]" >&2
         exit 2
         ;;
 esac
