@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "program_run.h"
+#include "scripted_server.h"
 #include "temporary_directory.h"
 
 namespace {
@@ -124,6 +125,25 @@ TEST(Kvtshare, ShowsTheTextOfAFailure) {
   EXPECT_EQ(
       Kvtshare({"send", "--smb1", "/no/such/file", "//10.0.0.5/docs/x"}),
       (ProgramRun{1, "result: 1\ntext: Unable to open file /no/such/file\n"}));
+}
+
+TEST(Kvtshare, DownloadsWithoutAProxy) {
+  const TemporaryDirectory directory;
+  const ScriptedServer server([](ScriptedConnection& connection) {
+    const bool found = connection.ReadHead().find("GET /found ") == 0;
+    connection.Write(found ? "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody"
+                           : "HTTP/1.1 404 No\r\nContent-Length: 0\r\n\r\n");
+  });
+  const std::string url = "http://127.0.0.1:" + std::to_string(server.Port());
+  const std::vector<std::string> environment = {"no_proxy=*"};
+
+  EXPECT_EQ(Kvtshare({"download", url + "/found", directory.Path("file")},
+                     environment),
+            (ProgramRun{0, "result: 0\n"}));
+  EXPECT_EQ(ReadFile(directory.Path("file")), "body");
+  EXPECT_EQ(Kvtshare({"download", url + "/missing", directory.Path("file")},
+                     environment),
+            (ProgramRun{1, "result: 1\n"}));
 }
 
 TEST(Kvtshare, SaysThatItsLibcurlHasNoSmb) {
