@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <new>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -13,7 +12,6 @@
 #include "KVTConfigReader.h"
 #include "config_model.h"
 #include "hooks.h"
-#include "random_seed.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -341,139 +339,6 @@ TEST(ConfigReader, StopsWhereMemoryRunsOutInsideALine) {
     }
   }
   EXPECT_TRUE(stopped);
-}
-
-struct TrimCase {
-  const char* name;  // part of the test's name: letters and digits only
-  const char* text;
-  const char* characters;
-  const char* result;
-};
-
-const TrimCase kTrimCases[] = {
-    {"Nothing", "", "", ""},
-    {"NoCharacters", " a ", "", " a "},
-    {"BothEnds", " \ta b\t ", " \t", "a b"},
-    {"FrontAlone", "xxa", "x", "a"},
-    {"BackAlone", "axx", "x", "a"},
-    {"InnerOnesStay", "xaxbx", "x", "axb"},
-    {"NothingElse", "xyxy", "xy", ""},
-    {"CaseCounts", "Xax", "x", "Xa"},
-    {"WholeCharacterBeyondAscii",
-     "\xC3\xA9"
-     "a\xC3\xA9",
-     "\xC3\xA9", "a"},
-    // By byte: of U+00E0 (C3 A0) the first byte goes, and the A0 that is left
-    // leads a sequence of two with the "a" (61): (A0 & 1F) << 6 | 61 & 3F = 21.
-    {"PartOfACharacterInFront",
-     "\xC3\xA0"
-     "ab",
-     "\xC3\xA9", "!b"},
-    // Of U+0129 (C4 A9) at the end the second byte goes; C4 alone is nothing.
-    {"PartOfACharacterAtTheEnd", "a\xC4\xA9", "\xC3\xA9", "a"},
-};
-
-void PrintTo(const TrimCase& c, std::ostream* out) { *out << c.name; }
-
-class ConfigTrim : public testing::TestWithParam<TrimCase> {};
-
-TEST_P(ConfigTrim, TakesTheBytesAwayAtBothEnds) {
-  std::istringstream nothing;
-  KVTConfigReader reader(nothing);
-  EXPECT_EQ(reader.TrimWhiteSpace(FromUtf8(GetParam().text),
-                                  FromUtf8(GetParam().characters)),
-            FromUtf8(GetParam().result));
-  EXPECT_THAT(reader.GetConfiguration(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(, ConfigTrim, testing::ValuesIn(kTrimCases),
-                         [](const auto& test) { return test.param.name; });
-
-TEST(ConfigTrimOfZeroUnits, StopsAtTheFirstThatIsLeft) {
-  std::istringstream nothing;
-  KVTConfigReader reader(nothing);
-  const KVTString& text = FromUnits({' ', 'a', 0, 'b', ' '});
-  EXPECT_EQ(reader.TrimWhiteSpace(text, " "), "a");
-  const KVTString& zero = FromUnits({0, 'a', 0});
-  EXPECT_EQ(reader.TrimWhiteSpace(zero, " "), "");
-  // A zero unit among the characters is one of them.
-  EXPECT_EQ(reader.TrimWhiteSpace(zero, FromUnits({0})), "a");
-}
-
-// Text in which what matters comes often.
-std::string RandomConfiguration(std::mt19937& random) {
-  static const std::string pieces[] = {"\n",
-                                       "\n",
-                                       "\n[",
-                                       "[",
-                                       "]",
-                                       "=",
-                                       "=",
-                                       "#",
-                                       ";",
-                                       " ",
-                                       "\t",
-                                       "\r",
-                                       "\r\n",
-                                       "a",
-                                       "b",
-                                       "B",
-                                       "zz",
-                                       "\v",
-                                       {'\0'},
-                                       "\xC3\xA9",
-                                       "\xC3",
-                                       "\xA9",
-                                       "\xC0\x80",
-                                       "\xE2\x82\xAC",
-                                       "\xF0\x9F\x98\x80",
-                                       "\xF8",
-                                       "\xEE\x80\x80",
-                                       "[s]\n",
-                                       "key=value\n"};
-  std::string text;
-  for (std::size_t count = random() % 60; count > 0; --count) {
-    text += pieces[random() % std::size(pieces)];
-  }
-  return text;
-}
-
-TEST(ConfigReaderModel, AgreesOverRandomText) {
-  const unsigned seed = RandomSeed();
-  SCOPED_TRACE(SeedTrace(seed));
-  std::mt19937 random(seed);
-  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
-    const std::string text = RandomConfiguration(random);
-    std::istringstream in(text);
-    KVTConfigReader reader(in);
-    std::vector<ModelSection> model;
-    ModelReadConfiguration(text, model);
-    EXPECT_EQ(Show(ToModel(reader.GetConfiguration())), Show(model))
-        << testing::PrintToString(text);
-    if (i % 4 == 0) {
-      const std::string more = RandomConfiguration(random);
-      std::istringstream further(more);
-      reader.ReadConfiguration(further);
-      ModelReadConfiguration(more, model);
-      EXPECT_TRUE(ToModel(reader.GetConfiguration()) == model)
-          << testing::PrintToString(text + " and " + more);
-    }
-  }
-}
-
-TEST(ConfigReaderModel, TrimsLikeTheModel) {
-  const unsigned seed = RandomSeed();
-  SCOPED_TRACE(SeedTrace(seed));
-  std::mt19937 random(seed);
-  std::istringstream nothing;
-  KVTConfigReader reader(nothing);
-  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
-    const KVTString text(RandomUnits(random, 8, true));
-    const KVTString characters(RandomUnits(random, 4, true));
-    EXPECT_TRUE(reader.TrimWhiteSpace(text, characters) ==
-                KVTString(ModelTrim(text, characters.GetUTF8String())))
-        << testing::PrintToString(text) << testing::PrintToString(characters);
-  }
 }
 
 }  // namespace
