@@ -217,7 +217,8 @@ class KVT_EXPORT KVTString
 
   /// Returns a copy without the ASCII vowels of either case.  Each unit that
   /// stays is cut to its low 8 bits and the whole is read as UTF-8, so text
-  /// beyond ASCII does not survive.
+  /// beyond ASCII does not survive.  Callers rely on the units being counted in
+  /// a signed 32-bit number: 0x80000000 of them give an empty text.
   KVTString RemoveVowels() const;
 
   /// Returns a copy with each byte of the UTF-8 form put through tolower(3) in

@@ -197,8 +197,13 @@ void KVTString::RemoveInVisibleCharacters(KVTString& text) {
 
 KVTString KVTString::RemoveVowels() const {
   const Units vowels = Decode(kVowels);
+  const KVTString text(*this);
+  // Callers rely on a signed 32-bit count: from 0x80000000 units on it is
+  // negative, and nothing is kept.
+  const int count = static_cast<int>(text.size());
   std::string bytes;
-  for (const unsigned short unit : KVTString(*this)) {
+  for (int i = 0; i < count; ++i) {
+    const unsigned short unit = text.data()[i];
     if (vowels.find(unit) == npos) bytes += static_cast<char>(unit);
   }
   return Decode(bytes);
