@@ -35,8 +35,8 @@ class KVT_EXPORT KVTString
     : public std::basic_string<unsigned short, std::char_traits<unsigned short>,
                                std::allocator<unsigned short> > {
  public:
-  /// How a `char const*` is read.
-  enum KVTCharEncodingType {
+  /// How a `char const*` is read.  Other values may be passed and read nothing.
+  enum KVTCharEncodingType : int {
     /// Each byte becomes one unit, sign-extended from 8 to 16 bits.
     KVTCharEncodingNarrow = 0,
     /// The bytes are decoded as UTF-8 (RFC 3629) into UTF-16 units.
@@ -286,11 +286,14 @@ class KVT_EXPORT KVTString
 
   /// @}
 
-  /// Reads the form 00112233-4455-6677-8899-aabbccddeeff.  A text that is not
-  /// 36 units long or has not five parts gives the all-zero value.  More
-  /// lenient than KVTFileUtil::isGUIDValid: the lengths of the parts are not
-  /// looked at, and from the first pair of the last 16 digits that is not
-  /// hexadecimal on, all bytes are zero.
+  /// Reads the form 00112233-4455-6677-8899-aabbccddeeff.  Gives the all-zero
+  /// value, as for a text of zeros, when the text is not 36 units long, has not
+  /// five parts, or the last two have more than 16 bytes together.
+  ///
+  /// More lenient than KVTFileUtil::isGUIDValid: the lengths of the parts are
+  /// not looked at otherwise, and from the first character of the last two that
+  /// is not hexadecimal on, all bytes are zero, but for a digit in front of it
+  /// in its pair.
   static KVTGUID GetGUID(KVTString text);
 };
 
