@@ -72,6 +72,8 @@ extern std::function<ssize_t(int socket, void* out, size_t size, int flags)>
     onRecv;
 extern std::function<int()> onRand;
 extern std::function<void(unsigned seed)> onSrand;
+/// Of libuuid; `out` takes 16 bytes.
+extern std::function<void(unsigned char* out)> onUuidGenerate;
 
 /// The functions behind the hooks.
 FILE* RealFopen(const char* path, const char* mode);

@@ -43,6 +43,7 @@ decltype(onFread) onFread;
 decltype(onRecv) onRecv;
 decltype(onRand) onRand;
 decltype(onSrand) onSrand;
+decltype(onUuidGenerate) onUuidGenerate;
 
 namespace {
 
@@ -322,6 +323,12 @@ int rand() noexcept {
 void srand(unsigned seed) noexcept {
   if (hooks::onSrand) return hooks::onSrand(seed);
   hooks::Next<void(unsigned)>("srand")(seed);
+}
+
+void uuid_generate(unsigned char* out) {
+  if (hooks::onUuidGenerate) return hooks::onUuidGenerate(out);
+  static const auto real = hooks::Next<void(unsigned char*)>("uuid_generate");
+  real(out);
 }
 
 }  // extern "C"

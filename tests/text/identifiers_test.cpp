@@ -5,6 +5,7 @@
 
 #include "KVTFileUtil.h"
 #include "KVTString.h"
+#include "hooks.h"
 #include "test_strings.h"
 
 namespace {
@@ -91,6 +92,16 @@ TEST(GetUUID, GivesAValidTextOf36Characters) {
     EXPECT_EQ(text.size(), 36u);
     EXPECT_TRUE(KVTFileUtil::isGUIDValid(text));
   }
+}
+
+TEST(GetUUID, IsWhatUuidGenerateGivesInLowerCase) {
+  const hooks::Scoped hook(hooks::onUuidGenerate, [](unsigned char* out) {
+    for (unsigned i = 0; i < 16; ++i) {
+      out[i] = static_cast<unsigned char>(0x11 * i);
+    }
+  });
+  EXPECT_EQ(KVTFileUtil::GetUUID(""), kValid);
+  EXPECT_EQ(KVTFileUtil::GetUUID("id-"), KVTString("id-") + kValid);
 }
 
 TEST(GetUUID, PutsThePrefixInFrontWithNothingBetween) {
