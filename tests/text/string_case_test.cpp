@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "KVTString.h"
@@ -57,6 +60,23 @@ TEST(KVTStringCompareIgnoringCase, OrdersByTheFirstBytesThatDiffer) {
   EXPECT_GT(KVTString::CompareBasedOnCaseInsensitivity("\xC3\xA9", "z"), 0);
   // After toupper: '_' (0x5F) stands behind 'Z' (0x5A) though before 'z'.
   EXPECT_GT(KVTString::CompareBasedOnCaseInsensitivity("_", "z"), 0);
+}
+
+TEST(KVTStringCompareIgnoringCase, GivesTheResultOfMemcmpAsItStands) {
+  // Through a volatile pointer, so that libc answers and not the compiler.
+  int (*volatile compare)(const void*, const void*, std::size_t) = std::memcmp;
+  const std::pair<const char*, const char*> rows[] = {
+      {"A", "C"},
+      {"ZZZ", "AAA"},
+      {"ABCDEFGH1", "ABCDEFGH9Z"},
+      {"A", "\xC3\xA9"}};
+  for (const auto& [first, second] : rows) {
+    const std::size_t shorter =
+        std::min(std::strlen(first), std::strlen(second));
+    EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity(first, second),
+              compare(first, second, shorter))
+        << first;
+  }
 }
 
 TEST(KVTStringCompare, TakesItsArgumentsByValueAndSoUpToAZeroUnit) {

@@ -206,6 +206,15 @@ TEST(KVTStringAppendNumberDeathTest, AbortsTheProcessFor100Bytes) {
               IsAbort, kOverflowReport);
 }
 
+// What takes the place of __sprintf_chk under AddressSanitizer looks for no %n.
+#ifndef __SANITIZE_ADDRESS__
+TEST(KVTStringAppendNumberDeathTest, AbortsTheProcessForAFormatThatStores) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(KVTString().AppendNumber(7, "%n"), IsAbort,
+              "%n in writable segment detected");
+}
+#endif
+
 // --- ConvertIntToString, ConvertIntToHexString
 
 TEST(KVTStringConvertInt, GivesDecimalDigits) {

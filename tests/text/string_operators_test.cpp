@@ -3,6 +3,8 @@
 
 #include <iomanip>
 #include <sstream>
+#include <type_traits>
+#include <utility>
 
 #include "KVTString.h"
 #include "test_strings.h"
@@ -65,9 +67,12 @@ TEST(KVTStringEquality, HoldsForTwoEmptyTexts) {
 
 TEST(KVTStringEquality, LooksAtUnitsBehindAZeroUnit) {
   EXPECT_FALSE(KVTString(kWithZero) == "a");
+  EXPECT_FALSE("a" == KVTString(kWithZero));
   EXPECT_TRUE(KVTString(kWithZero) == "a\xC0\x80" "b");
+  EXPECT_TRUE("a\xC0\x80" "b" == KVTString(kWithZero));
   const wchar_t wide[] = {0x61, 0x10000, 0x62, 0};
   EXPECT_TRUE(KVTString(kWithZero) == wide);
+  EXPECT_TRUE(wide == KVTString(kWithZero));
 }
 
 // --- Concatenation
@@ -81,10 +86,22 @@ TEST(KVTStringConcatenation, AppendsDecodedTextToTheLeftOperand) {
   EXPECT_EQ(text, FromUnits({0x61, 0x20AC}));
 }
 
-TEST(KVTStringConcatenation, AppendsBehindAZeroUnit) {
+TEST(KVTStringConcatenation, AppendsBehindAZeroUnitAndAppendsZeroUnits) {
   KVTString text(kWithZero);
-  text += "c";
-  EXPECT_THAT(text, ElementsAre(0x61, 0, 0x62, 0x63));
+  text += "c\xC0\x80z";
+  EXPECT_THAT(text, ElementsAre(0x61, 0, 0x62, 0x63, 0, 0x7A));
+}
+
+template <class Text, class = void>
+struct CanBeAppended : std::false_type {};
+template <class Text>
+struct CanBeAppended<Text, std::void_t<decltype(std::declval<KVTString&>() +=
+                                                std::declval<Text>())>>
+    : std::true_type {};
+
+TEST(KVTStringConcatenation, AppendsNoWideTextInPlace) {
+  EXPECT_TRUE(CanBeAppended<const char*>::value);
+  EXPECT_FALSE(CanBeAppended<const wchar_t*>::value);
 }
 
 TEST(KVTStringConcatenation, JoinsNarrowTextInTheOrderWritten) {
