@@ -71,7 +71,7 @@ int MountManager::GetMountPointForMountedNetwork(KVTString share,
     char folder[kFieldSize] = "";
     char type[kFieldSize] = "";
     sscanf(line, "%255s %255s %255s\n", device, folder, type);
-    if (wanted == device) {
+    if (strcmp(wanted.c_str(), device) == 0) {
       mountPoint = KVTString(folder);
       return KVTErrorCodeSuccess;
     }

@@ -149,6 +149,14 @@ TEST_F(MountList, ReadsPastAZeroByteAtTheStartOfALine) {
   EXPECT_EQ(folder, "/mnt/b");
 }
 
+TEST_F(MountList, HoldsTheShareUpToAZeroUnitAgainstTheList) {
+  const FakeMountList list("//h/s /mnt/b cifs rw 0 0\n");
+  EXPECT_EQ(manager.GetMountPointForMountedNetwork(
+                FromUnits({'/', '/', 'h', '/', 's', 0, 'x'}), folder, error),
+            0);
+  EXPECT_EQ(folder, "/mnt/b");
+}
+
 TEST_F(MountList, FindsAShareInFrontOfLongOptions) {
   const FakeMountList list("//10.0.0.5/docs /mnt/b cifs rw," +
                            std::string(5000, 'x') + " 0 0\n");
