@@ -55,9 +55,9 @@ class KVT_EXPORT KVTShareFileInternal {
   /// there is none, and with `parent` left alone when `path` is empty.
   int GetParentPath(KVTString path, KVTString& parent);
 
-  /// Gives in `name` what stands behind the last "/" of `path`, or, without
-  /// any, behind the last "\".  Callers rely on "/" winning here, where "\"
-  /// wins in GetParentPath().
+  /// Gives in `name` what stands behind the last "/" of `path`, without any
+  /// behind the last "\", and without either the whole `path`.  Callers rely on
+  /// "/" winning here, where "\" wins in GetParentPath().
   ///
   /// Returns 0 when there is a name.  Returns 1 with `name` emptied when `path`
   /// is empty or ends in that separator, or when the last component is an IPv4

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "KVTAuthentication.h"
 #include "test_strings.h"
 
@@ -107,6 +109,22 @@ TEST(Authentication, CanBeSetAgainAfterClear) {
   EXPECT_FALSE(auth.IsDomainSet());
   EXPECT_EQ(auth.SetPassword("other"), 0);
   EXPECT_EQ(auth.GetPassword(), "other");
+}
+
+TEST(Authentication, EmptyingAFieldOverwritesNothing) {
+  // The characters stay where they were, behind the terminator.
+  for (const char* password : {"secret", "correct-horse-battery"}) {
+    const KVTString all(password);
+    KVTAuthentication reset("backup", password);
+    const unsigned short* storage = reset.mPassword.data();
+    EXPECT_EQ(reset.ResetPassword(), 0);
+    EXPECT_TRUE(std::equal(all.begin() + 1, all.end(), storage + 1));
+
+    KVTAuthentication cleared("backup", password);
+    storage = cleared.mPassword.data();
+    EXPECT_EQ(cleared.clear(), 0);
+    EXPECT_TRUE(std::equal(all.begin() + 1, all.end(), storage + 1));
+  }
 }
 
 TEST(Authentication, ReturnsCopies) {

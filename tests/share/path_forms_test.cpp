@@ -69,6 +69,13 @@ TEST(PathForm, CountsSixteenBitUnitsAndNotBytes) {
   EXPECT_TRUE(share.IsSharePath(FromUnits({'/', '/', 0x6587})));
 }
 
+TEST(PathForm, IsSearchedForRefusedCharactersUpToAZeroUnit) {
+  // The search gets a copy, and a copy ends there.
+  KVTShareFile share;
+  EXPECT_TRUE(share.IsSharePath(FromUnits({'/', '/', 'h', 0, '*'})));
+  EXPECT_FALSE(share.IsSharePath(FromUnits({'/', '/', 'h', '*', 0})));
+}
+
 TEST(MaliciousShare, FindsEachOfSixCharactersAnywhere) {
   KVTShareFileInternal paths;
   for (int c = 1; c < 0x80; ++c) {

@@ -2,8 +2,10 @@
 
 #include <errno.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <map>
 #include <string>
@@ -165,6 +167,19 @@ TEST_F(SendFile, RefusesADirectoryWrittenWithBackslashes) {
   EXPECT_TRUE(mount.Calls().empty());
 }
 
+TEST_F(SendFile, RefusesALocationWhoseTextIsALocalDirectory) {
+  // "//" and "/" name the same root, and a prefix alone makes a location.
+  const FakeMount mount;
+  error = "earlier text";
+  const KVTString location = "/" + local.Text();
+  ASSERT_TRUE(share.IsSharePath(location));
+  EXPECT_EQ(Send(location, local.Text("a")), 1);
+  EXPECT_EQ(Send(local.Text("a"), location), 1);
+  EXPECT_EQ(error, "earlier text");
+  EXPECT_EQ(sleep.Seconds(), Sleeps{});
+  EXPECT_TRUE(mount.Calls().empty());
+}
+
 TEST_F(SendFile, RefusesADirectoryAsDestination) {
   const FakeMount mount;
   error = "earlier text";
@@ -293,6 +308,27 @@ TEST(ShareFileInstance, IsMadeAtTheFirstCallAndStays) {
   EXPECT_EQ(KVTShareFile::mInstance, instance);
   EXPECT_EQ(KVTShareFile::Instance(), instance);
   EXPECT_TRUE(instance->mMountedShares.empty());
+}
+
+TEST(ShareFileInstance, UnmountsNothingWhenTheProcessEnds) {
+  EXPECT_EXIT(
+      {
+        hooks::onUmount2 = [](const char*, int) -> int { _exit(9); };
+        KVTShareFile::Instance()->mMountedShares["//10.0.0.5/docs"] =
+            "/mnt/orbmountZ";
+        exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(ShareFileInstance, UnmountsWhenACallerDeletesIt) {
+  const FakeUnmount unmount;
+  KVTShareFile* const instance = KVTShareFile::Instance();
+  instance->mMountedShares["//10.0.0.5/docs"] = "/mnt/nowhere";
+  delete instance;
+  KVTShareFile::mInstance = nullptr;
+  ASSERT_EQ(unmount.Calls().size(), 1u);
+  EXPECT_EQ(unmount.Calls()[0].target, "/mnt/nowhere");
 }
 
 TEST(ShareFileInstance, IsOneObjectForAllThreeClasses) {

@@ -436,6 +436,8 @@ TEST_F(OutOfMemory, LeavesTheParserAsItsText) {
   const KVTString path =
       FromUtf8("//10.0.0.5/docs/" + std::string(1000, 'n'));
   bool ranOut = true;
+  bool leftHost = false;
+  bool leftShareFolder = false;
   std::size_t count = 0;
   for (; ranOut; ++count) {
     SCOPED_TRACE(count);
@@ -455,11 +457,17 @@ TEST_F(OutOfMemory, LeavesTheParserAsItsText) {
     if (ranOut) {
       EXPECT_TRUE(outcome.threwText);
       EXPECT_EQ(outcome.text, "Parsing network path failed " + path);
+      // What was found before stays.
+      leftHost |= hostIp == "10.0.0.5" && shareFolder.empty();
+      leftShareFolder |= hostIp == "10.0.0.5" && shareFolder == "docs";
+      EXPECT_EQ(remainder, "");
     } else {
       EXPECT_EQ(outcome.result, 0);
     }
   }
   EXPECT_GT(count, 5u);
+  EXPECT_TRUE(leftHost);
+  EXPECT_TRUE(leftShareFolder);
 }
 
 TEST_F(OutOfMemory, LeavesNoEntryWithoutAFolder) {
