@@ -15,7 +15,7 @@
 #include "hooks.h"
 #include "namespaces.h"
 #include "open_descriptors.h"
-#include "special_files.h"
+#include "sockets_and_devices.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 

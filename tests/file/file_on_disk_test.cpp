@@ -12,7 +12,7 @@
 #include "KVTFileUtil.h"
 #include "hooks.h"
 #include "open_descriptors.h"
-#include "special_files.h"
+#include "sockets_and_devices.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "KVTFileUtil.h"
-#include "special_files.h"
+#include "sockets_and_devices.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "KVTFileUtil.h"
-#include "special_files.h"
+#include "sockets_and_devices.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 

@@ -8,7 +8,7 @@
 
 #include "KVTFileUtil.h"
 #include "curl_hooks.h"
-#include "special_files.h"
+#include "sockets_and_devices.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "expected_leak.h"
+#include "allowed_leaks.h"
 #include "file_capabilities.h"
 #include "hooks.h"
 #include "smb1_server.h"
@@ -222,7 +222,7 @@ TEST_F(Smb1Refusal, FileBelowAnUnwritableLocalFolderIsNamed) {
   ASSERT_EQ(chmod(Local("closed").c_str(), 0500), 0);
   const WithoutFileCapabilities asAnyone;
   // Callers rely on the handle staying behind.
-  const ExpectedLeak handle;
+  const AllowedLeaks handle;
   EXPECT_EQ(Download("//127.0.0.1/docs/wanted", Local("closed/sub/a")), 1);
   EXPECT_EQ(mError, "Unable to create parent directory for " +
                         mDirectory.Text("closed/sub/a"));
@@ -240,7 +240,7 @@ TEST_F(Smb1Refusal, RefusedMemoryIsAResultAndAText) {
     int result = -1;
     {
       // Callers rely on handle and stream staying behind after an exception.
-      const ExpectedLeak handleAndStream;
+      const AllowedLeaks handleAndStream;
       const hooks::FailingAllocator allocator(refusals, 0, 1);
       result = share.SendFileOnWindowSMB1(local, nullptr, true, remote, &mAuth,
                                           error);

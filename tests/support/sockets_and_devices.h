@@ -1,7 +1,7 @@
 /// Files that are neither plain nor directories.
 
-#ifndef KVT_TESTS_SPECIAL_FILES_H
-#define KVT_TESTS_SPECIAL_FILES_H
+#ifndef KVT_TESTS_SOCKETS_AND_DEVICES_H
+#define KVT_TESTS_SOCKETS_AND_DEVICES_H
 
 #include <sys/types.h>
 
@@ -14,4 +14,4 @@ void MakeSocket(const std::string& path);
 /// Takes root; throws when the kernel refuses.
 void MakeDevice(const std::string& path, mode_t type);
 
-#endif  // KVT_TESTS_SPECIAL_FILES_H
+#endif  // KVT_TESTS_SOCKETS_AND_DEVICES_H

@@ -1,4 +1,4 @@
-#include "special_files.h"
+#include "sockets_and_devices.h"
 
 #include <errno.h>
 #include <string.h>
