@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the process with `claim` on standard error unless `holds`; libFuzzer and
-/// the corpus run both report that as a failure.
+/// Ends the process with `claim` on standard error unless `holds`; libFuzzer
+/// and the corpus run both report that as a failure.
 inline void Require(bool holds, const char* claim) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", claim);

@@ -101,10 +101,10 @@ class KVT_EXPORT KVTLogger {
   static bool Initialize(const KVTLoggingOptions& options);
 
   /// Writes one line to the internal log and, where the options let it pass, to
-  /// the user log: "%s %5s : %s %s %20s() %20s:%lld " with the application name,
-  /// the level's name, the date of KVTTime::DateToString in its long form, the
-  /// time of KVTTime::TimeToString, `function`, `file` and `line`, and then the
-  /// caller's text.  Longer names widen their column.
+  /// the user log: "%s %5s : %s %s %20s() %20s:%lld " with the application
+  /// name, the level's name, the date of KVTTime::DateToString in its long
+  /// form, the time of KVTTime::TimeToString, `function`, `file` and `line`,
+  /// and then the caller's text.  Longer names widen their column.
   ///
   /// `function` is the caller's name without parentheses, `line` a line number
   /// in `file`.  `level` must be 0 to 6 and is not checked.  `format`, which

@@ -86,8 +86,8 @@ class KVT_EXPORT KVTShareFileInternal {
   /// two 16-bit units or fewer, no host, or two separators behind the host.
   /// The pieces are not cleared on entry and assigned only when they are
   /// reached, also before a refusal or an exception.  0 does not mean that all
-  /// are there: a host that is not found leaves `hostIp` as ResolveHostAddress()
-  /// does, and share folder and rest may be missing.
+  /// are there: a host that is not found leaves `hostIp` as
+  /// ResolveHostAddress() does, and share folder and rest may be missing.
   ///
   /// Callers rely on lengths being found in bytes of the UTF-8 form and taken
   /// in 16-bit units: a host or share folder with letters beyond ASCII comes
@@ -290,8 +290,8 @@ class KVT_EXPORT KVTShareFile : public MountManager {
   /// one "Failed to send file".  Nothing leaves but what the handling itself
   /// may throw, std::bad_alloc.
   int SendFile(const KVTString& source, KVTAuthentication* sourceAuth,
-               const KVTString& destination,
-               KVTAuthentication* destinationAuth, KVTString& error);
+               const KVTString& destination, KVTAuthentication* destinationAuth,
+               KVTString& error);
 
   /// Makes one attempt to copy `source` to `destination`, both taken as they
   /// are: mounts the share, makes the directory of the target, deletes an old
@@ -315,8 +315,7 @@ class KVT_EXPORT KVTShareFile : public MountManager {
   ///   1: what it held, or "Failed to send using mount".
   ///
   /// Throws a `char*` or `KVTString*` from below as it is.
-  int SendFileUsingMount(const KVTString& source,
-                         KVTAuthentication* sourceAuth,
+  int SendFileUsingMount(const KVTString& source, KVTAuthentication* sourceAuth,
                          const KVTString& destination,
                          KVTAuthentication* destinationAuth, KVTString& error);
 

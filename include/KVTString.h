@@ -69,7 +69,8 @@ class KVT_EXPORT KVTString
   /// two-byte sequence, a sequence cut off by the end of the text gives
   /// nothing for its lead byte, overlong forms decode to the short value and
   /// three-byte surrogates are stored as they are.
-  KVTString(char const* text, KVTCharEncodingType encoding = KVTCharEncodingUTF8);
+  KVTString(char const* text,
+            KVTCharEncodingType encoding = KVTCharEncodingUTF8);
 
   /// Takes over the whole value, zero units included.
   KVTString(std::basic_string<unsigned short, std::char_traits<unsigned short>,
@@ -157,7 +158,8 @@ class KVT_EXPORT KVTString
   /// the empty text included, is appended whole.  Callers rely on one more
   /// oddity: when all delimiters stand before the only run, nothing is
   /// appended (",a" gives nothing, ",a," gives "a").
-  bool SubStrings(KVTString const& delimiters, std::vector<KVTString>& out) const;
+  bool SubStrings(KVTString const& delimiters,
+                  std::vector<KVTString>& out) const;
 
   /// Returns the fields of the UTF-8 form of `text` between bytes equal to
   /// `separator`, as std::getline reads them: empty fields are kept, none

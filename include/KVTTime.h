@@ -75,8 +75,8 @@ class KVT_EXPORT KVTTime {
   bool IsValid() const;
 
   /// Gives the date in local time: "3/7/2026" (month, day, year) when
-  /// `shortForm` is true, otherwise strftime(3)'s "%A, %B %d, %G".  Callers rely
-  /// on %G, the ISO 8601 week-based year, which around New Year is the
+  /// `shortForm` is true, otherwise strftime(3)'s "%A, %B %d, %G".  Callers
+  /// rely on %G, the ISO 8601 week-based year, which around New Year is the
   /// neighbouring year.  Returns false, with `out` empty, when the time is not
   /// set or localtime(3) has no calendar date for it.
   bool DateToString(KVTString& out, bool shortForm) const;

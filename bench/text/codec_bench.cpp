@@ -31,30 +31,32 @@ Sample Repeated(const std::string& utf8, const std::u16string& units) {
 }
 
 const Sample& Ascii() {
-  static const Sample sample = Repeated("/srv/share/reports/2026/summary.txt\n",
-                                        u"/srv/share/reports/2026/summary.txt\n");
+  static const Sample sample =
+      Repeated("/srv/share/reports/2026/summary.txt\n",
+               u"/srv/share/reports/2026/summary.txt\n");
   return sample;
 }
 
 // One line of ASCII, then letters of two, three and four bytes.
 const Sample& Mixed() {
-  static const Sample sample =
-      Repeated("Gr\u00F6\u00DFe: 12 \u20AC, \u65E5\u672C\u8A9E \U0001F600 ok\n",
-               u"Gr\u00F6\u00DFe: 12 \u20AC, \u65E5\u672C\u8A9E \U0001F600 ok\n");
+  static const Sample sample = Repeated(
+      "Gr\u00F6\u00DFe: 12 \u20AC, \u65E5\u672C\u8A9E \U0001F600 ok\n",
+      u"Gr\u00F6\u00DFe: 12 \u20AC, \u65E5\u672C\u8A9E \U0001F600 ok\n");
   return sample;
 }
 
 // Greek: nearly all letters of two bytes.
 const Sample& Greek() {
-  static const Sample sample =
-      Repeated("\u03BA\u03B1\u03BB\u03B7\u03BC\u03AD\u03C1\u03B1 "
-               "\u03BA\u03CC\u03C3\u03BC\u03B5 ",
-               u"\u03BA\u03B1\u03BB\u03B7\u03BC\u03AD\u03C1\u03B1 "
-               u"\u03BA\u03CC\u03C3\u03BC\u03B5 ");
+  static const Sample sample = Repeated(
+      "\u03BA\u03B1\u03BB\u03B7\u03BC\u03AD\u03C1\u03B1 "
+      "\u03BA\u03CC\u03C3\u03BC\u03B5 ",
+      u"\u03BA\u03B1\u03BB\u03B7\u03BC\u03AD\u03C1\u03B1 "
+      u"\u03BA\u03CC\u03C3\u03BC\u03B5 ");
   return sample;
 }
 
-using Convert = std::wstring_convert<std::codecvt_utf8_utf16<char16_t>, char16_t>;
+using Convert =
+    std::wstring_convert<std::codecvt_utf8_utf16<char16_t>, char16_t>;
 
 class Iconv {
  public:

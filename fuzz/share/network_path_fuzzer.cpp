@@ -101,9 +101,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
           "the URL is made of the model's pieces");
 
   const std::string utf8 = text.GetUTF8String();
-  const bool prefixed =
-      utf8.rfind("smb:", 0) == 0 || utf8.rfind("cifs:", 0) == 0 ||
-      utf8.rfind("\\\\", 0) == 0 || utf8.rfind("//", 0) == 0;
+  const bool prefixed = utf8.rfind("smb:", 0) == 0 ||
+                        utf8.rfind("cifs:", 0) == 0 ||
+                        utf8.rfind("\\\\", 0) == 0 || utf8.rfind("//", 0) == 0;
   Require(share.IsSharePath(text) ==
               (text.size() > 2 && prefixed &&
                utf8.find_first_of("*?<>|%") == std::string::npos),

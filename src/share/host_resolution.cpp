@@ -76,7 +76,5 @@ int KVTShareFileInternal::ResolveHostAddress(KVTString host,
         address = text;
         return KVTErrorCodeSuccess;
       },
-      [&]() -> int {
-        throw KVTString("Failed to resolve Host" + host);
-      });
+      [&]() -> int { throw KVTString("Failed to resolve Host" + host); });
 }

@@ -50,8 +50,8 @@ bool Mount(const KVTString& sharePath, const KVTString& mountPoint,
   const std::string source = sharePath.GetUTF8String();
   const std::string target = mountPoint.GetUTF8String();
   const std::string data = options.GetUTF8String();
-  const int result = mount(source.c_str(), target.c_str(), "cifs", kMountFlags,
-                           data.c_str());
+  const int result =
+      mount(source.c_str(), target.c_str(), "cifs", kMountFlags, data.c_str());
   reason = errno;
   return result != -1;
 }
@@ -59,9 +59,9 @@ bool Mount(const KVTString& sharePath, const KVTString& mountPoint,
 // Names the share and the folder, never the options.
 KVTString MakeReport(const char* tag, int reason, const KVTString& sharePath,
                      const KVTString& mountPoint) {
-  return KVTString(tag) + "-1" + " , errno: " +
-         KVTString::ConvertIntToString(reason) + " , stderror: " +
-         strerror(reason) + " , for share: " + sharePath +
+  return KVTString(tag) + "-1" +
+         " , errno: " + KVTString::ConvertIntToString(reason) +
+         " , stderror: " + strerror(reason) + " , for share: " + sharePath +
          " , for Mount Point: " + mountPoint;
 }
 
@@ -124,9 +124,9 @@ int MountManager::MountNetworkShare(KVTString networkPath,
         } else {
           KVTString uncPath(sharePath);
           uncPath.ReplaceAll("/", "\\");
-          const int mounted = MountWithFallback(
-              sharePath, mountPoint, MakeMountOptions(uncPath, hostIp, auth),
-              error);
+          const int mounted =
+              MountWithFallback(sharePath, mountPoint,
+                                MakeMountOptions(uncPath, hostIp, auth), error);
           if (mounted != KVTErrorCodeSuccess) return mounted;
           mMountedShares.insert_or_assign(sharePath, mountPoint);
         }

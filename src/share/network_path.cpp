@@ -79,9 +79,7 @@ int KVTShareFileInternal::ParseNetworkPath(KVTString path, KVTString& hostIp,
         remainder = TrimSeparators(rest);
         return KVTErrorCodeSuccess;
       },
-      [&]() -> int {
-        throw KVTString("Parsing network path failed " + path);
-      });
+      [&]() -> int { throw KVTString("Parsing network path failed " + path); });
 }
 
 KVTString KVTShareFileInternal::RefactorIPv6ForMounting(KVTString address) {

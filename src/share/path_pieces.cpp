@@ -21,8 +21,7 @@ int KVTShareFileInternal::GetParentPath(KVTString path, KVTString& parent) {
 
   // Takes the leading "\\" of a location with it: the parent has none.
   KVTString inner = text.TrimChars(separator);
-  const std::size_t last =
-      inner.rfind(static_cast<unsigned short>(separator));
+  const std::size_t last = inner.rfind(static_cast<unsigned short>(separator));
   if (last == KVTString::npos) {
     parent = KVTString();
     return KVTErrorCodeFailure;

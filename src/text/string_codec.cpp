@@ -70,8 +70,8 @@ std::size_t DecodeSequence(const char* bytes, std::size_t length,
   // Wraps to all ones for an overlong form; callers rely on the unit 0xFFC0 and
   // up that comes of it.
   const unsigned int plane = ((byte(0) & 7) << 2 | low6(1) >> 4) - 1;
-  units[0] = static_cast<unsigned short>(
-      0xD800 | plane << 6 | (byte(1) & 0x0F) << 2 | low6(2) >> 4);
+  units[0] = static_cast<unsigned short>(0xD800 | plane << 6 |
+                                         (byte(1) & 0x0F) << 2 | low6(2) >> 4);
   units[1] =
       static_cast<unsigned short>(0xDC00 | (byte(2) & 0x0F) << 6 | low6(3));
   return 2;

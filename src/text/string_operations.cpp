@@ -149,11 +149,12 @@ KVTString KVTString::TrimChars(char c) const {
   return KVTString(text.substr(first, last - first + 1));
 }
 
-// Gives what replacing the first match and searching again from the front gives,
-// in one pass.  All matches have one length, so the first to begin is the first
-// to end: units move from the unread text to `done`, which never holds a match,
-// and when `done` ends in `from`, that end gives way to `to`, put in front of
-// what is still to be read.  Text made by one replacement can so match again.
+// Gives what replacing the first match and searching again from the front
+// gives, in one pass.  All matches have one length, so the first to begin is
+// the first to end: units move from the unread text to `done`, which never
+// holds a match, and when `done` ends in `from`, that end gives way to `to`,
+// put in front of what is still to be read.  Text made by one replacement can
+// so match again.
 KVTString& KVTString::ReplaceAll(const KVTString& from, const KVTString& to) {
   if (from.empty() || from == to) return *this;
   std::size_t position = find(from);

@@ -74,8 +74,7 @@ TEST(ResolveHostAddress, TrimsBackslashesAndThenSlashes) {
   EXPECT_EQ(Resolve("\\\\\\").result, 1);
   // The slashes keep the backslashes inside.
   EXPECT_EQ(Resolve("/\\fs1\\/").result, 1);
-  EXPECT_EQ(names.Asked(),
-            (std::vector<std::string>{"fs1", "", "\\fs1\\"}));
+  EXPECT_EQ(names.Asked(), (std::vector<std::string>{"fs1", "", "\\fs1\\"}));
 }
 
 TEST(ResolveHostAddress, LeavesTheAddressAloneWhenTheLookUpFails) {
@@ -87,33 +86,33 @@ TEST(ResolveHostAddress, LeavesTheAddressAloneWhenTheLookUpFails) {
 
 TEST(ResolveHostAddress, AsksForAnyFamilyAndNoService) {
   int asked = 0;
-  const hooks::Scoped asking(
-      hooks::onGetaddrinfo, [&](const char* node, const char* service,
-                                const addrinfo* hints, addrinfo** result) {
-        ++asked;
-        EXPECT_STREQ(node, "h\xC3\xB6st");
-        EXPECT_EQ(service, nullptr);
-        addrinfo expected;
-        memset(&expected, 0, sizeof(expected));
-        expected.ai_socktype = SOCK_STREAM;
-        EXPECT_EQ(hints->ai_flags, expected.ai_flags);
-        EXPECT_EQ(hints->ai_family, AF_UNSPEC);
-        EXPECT_EQ(hints->ai_socktype, SOCK_STREAM);
-        EXPECT_EQ(hints->ai_protocol, 0);
-        EXPECT_EQ(hints->ai_addrlen, 0u);
-        EXPECT_EQ(hints->ai_addr, nullptr);
-        EXPECT_EQ(hints->ai_canonname, nullptr);
-        EXPECT_EQ(hints->ai_next, nullptr);
-        *result = nullptr;
-        return EAI_AGAIN;
-      });
+  const hooks::Scoped asking(hooks::onGetaddrinfo,
+                             [&](const char* node, const char* service,
+                                 const addrinfo* hints, addrinfo** result) {
+                               ++asked;
+                               EXPECT_STREQ(node, "h\xC3\xB6st");
+                               EXPECT_EQ(service, nullptr);
+                               addrinfo expected;
+                               memset(&expected, 0, sizeof(expected));
+                               expected.ai_socktype = SOCK_STREAM;
+                               EXPECT_EQ(hints->ai_flags, expected.ai_flags);
+                               EXPECT_EQ(hints->ai_family, AF_UNSPEC);
+                               EXPECT_EQ(hints->ai_socktype, SOCK_STREAM);
+                               EXPECT_EQ(hints->ai_protocol, 0);
+                               EXPECT_EQ(hints->ai_addrlen, 0u);
+                               EXPECT_EQ(hints->ai_addr, nullptr);
+                               EXPECT_EQ(hints->ai_canonname, nullptr);
+                               EXPECT_EQ(hints->ai_next, nullptr);
+                               *result = nullptr;
+                               return EAI_AGAIN;
+                             });
   EXPECT_EQ(Resolve("h\xC3\xB6st").result, 1);
   EXPECT_EQ(asked, 1);
 }
 
 TEST(ResolveHostAddress, TakesTheFirstAnswerWhicheverFamilyItHas) {
   const FakeNames names(Names{{"four", {"10.0.0.1", "10.0.0.2", "fe80::1"}},
-                         {"six", {"fe80::1", "fe80::2", "10.0.0.1"}}});
+                              {"six", {"fe80::1", "fe80::2", "10.0.0.1"}}});
   const Resolved four = Resolve("four");
   EXPECT_EQ(four.result, 0);
   EXPECT_EQ(four.address, "10.0.0.1");
@@ -149,8 +148,7 @@ TEST(ResolveHostAddress, PassesOverNodesWithoutText) {
 TEST(ResolveHostAddress, ClearsTheAddressWhenNoNodeIsOfUse) {
   const FakeNames names(Names{{"useless", {"fe80::1", "fe80::2"}}});
   const hooks::Scoped failing(
-      hooks::onInetNtop,
-      [](int, const void*, char*, socklen_t) -> const char* {
+      hooks::onInetNtop, [](int, const void*, char*, socklen_t) -> const char* {
         return nullptr;
       });
   const Resolved resolved = Resolve("useless");
@@ -170,10 +168,9 @@ TEST(ResolveHostAddress, ChecksTheTextOnceMoreAndLooksAtNoOtherNode) {
 TEST(ResolveHostAddress, ReadsEveryOtherFamilyAsIPv6) {
   FakeNames names(Names{{"other", {"fe80::7"}}});
   const hooks::Scoped renaming(
-      hooks::onGetaddrinfo,
-      [answer = hooks::onGetaddrinfo](const char* node, const char* service,
-                                      const addrinfo* hints,
-                                      addrinfo** result) {
+      hooks::onGetaddrinfo, [answer = hooks::onGetaddrinfo](
+                                const char* node, const char* service,
+                                const addrinfo* hints, addrinfo** result) {
         const int failure = answer(node, service, hints, result);
         (*result)->ai_family = AF_UNIX;
         return failure;

@@ -19,7 +19,6 @@
 #include "temporary_directory.h"
 #include "test_strings.h"
 
-
 namespace {
 
 constexpr const char* kUntouched = "untouched";
@@ -102,9 +101,9 @@ TEST_F(MountFolder, ComesFromTheKernelsListWith4AndNoEntry) {
 }
 
 TEST_F(MountFolder, IsChosenWhenTheListCannotBeOpened) {
-  const hooks::Scoped failing(
-      hooks::onFopen,
-      [](const char*, const char*) { return static_cast<FILE*>(nullptr); });
+  const hooks::Scoped failing(hooks::onFopen, [](const char*, const char*) {
+    return static_cast<FILE*>(nullptr);
+  });
   EXPECT_EQ(Choose(kDocs), 0);
   EXPECT_EQ(folder, "/mnt/orbmountZ");
 }
@@ -201,15 +200,15 @@ TEST_F(MountFolder, IsMadeWithTheUsualMode) {
 TEST_F(MountFolder, IsNotNamedWhenItCannotBeLookedAt) {
   MakeIdle('Z');
   int looked = 0;
-  const hooks::Scoped failing(
-      hooks::onStat, [&](const char* path, struct stat* status) {
-        // The first look tells that it is a directory.
-        if (path == Folder('Z') && ++looked == 2) {
-          errno = EIO;
-          return -1;
-        }
-        return hooks::RealStat(path, status);
-      });
+  const hooks::Scoped failing(hooks::onStat,
+                              [&](const char* path, struct stat* status) {
+                                // The first look tells that it is a directory.
+                                if (path == Folder('Z') && ++looked == 2) {
+                                  errno = EIO;
+                                  return -1;
+                                }
+                                return hooks::RealStat(path, status);
+                              });
   EXPECT_EQ(Choose(kDocs), 1);
   EXPECT_EQ(folder, kUntouched);
   EXPECT_EQ(looked, 2);
@@ -217,14 +216,14 @@ TEST_F(MountFolder, IsNotNamedWhenItCannotBeLookedAt) {
 
 TEST_F(MountFolder, IsNotNamedWhenMntCannotBeLookedAt) {
   MakeIdle('Z');
-  const hooks::Scoped failing(
-      hooks::onStat, [](const char* path, struct stat* status) {
-        if (strcmp(path, "/mnt") == 0) {
-          errno = EIO;
-          return -1;
-        }
-        return hooks::RealStat(path, status);
-      });
+  const hooks::Scoped failing(hooks::onStat,
+                              [](const char* path, struct stat* status) {
+                                if (strcmp(path, "/mnt") == 0) {
+                                  errno = EIO;
+                                  return -1;
+                                }
+                                return hooks::RealStat(path, status);
+                              });
   EXPECT_EQ(Choose(kDocs), 1);
   EXPECT_EQ(folder, kUntouched);
 }

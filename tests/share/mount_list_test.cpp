@@ -64,8 +64,8 @@ TEST_F(MountList, TakesTheFirstMatchInKeyOrder) {
   for (const auto& entry : manager.mMountedShares) {
     folders.push_back(entry.second);
   }
-  EXPECT_EQ(folders, FromUtf8({"/mnt/upper", "/mnt/short", "/mnt/lower",
-                               "/mnt/last"}));
+  EXPECT_EQ(folders,
+            FromUtf8({"/mnt/upper", "/mnt/short", "/mnt/lower", "/mnt/last"}));
   manager.mMountedShares.clear();
 }
 
@@ -79,9 +79,9 @@ TEST_F(MountList, TakesTheFirstMatchingLine) {
 }
 
 TEST_F(MountList, SaysNotFoundWhenTheListCannotBeOpened) {
-  const hooks::Scoped failing(
-      hooks::onFopen,
-      [](const char*, const char*) { return static_cast<FILE*>(nullptr); });
+  const hooks::Scoped failing(hooks::onFopen, [](const char*, const char*) {
+    return static_cast<FILE*>(nullptr);
+  });
   EXPECT_EQ(Find("//10.0.0.5/docs"), 1);
   EXPECT_EQ(folder, kUntouched);
 }

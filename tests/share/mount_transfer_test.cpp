@@ -153,8 +153,8 @@ TEST_F(MountTransfer, NamesTheDestinationThatHasNoFolder) {
   error = "earlier text";
   const FakeMount mount;
   EXPECT_EQ(Send("//10.0.0.5/docs/a", local.Text("file/b")), 1);
-  EXPECT_EQ(error, "Unable to create parent directory for " +
-                       local.Text("file/b"));
+  EXPECT_EQ(error,
+            "Unable to create parent directory for " + local.Text("file/b"));
 }
 
 TEST_F(MountTransfer, DeletesTheOldFileBeforeAFetchThatFails) {
@@ -178,11 +178,11 @@ int FailHalfway(int to) {
 TEST_F(MountTransfer, LeavesNoPartialFileOfAFetch) {
   PutOnShare("a", "content");
   const FakeMount mount;
-  const hooks::Scoped failing(
-      hooks::onSendfile, [&](int to, int, off_t*, std::size_t) -> ssize_t {
-        EXPECT_TRUE(local.File("b").Exists());
-        return FailHalfway(to);
-      });
+  const hooks::Scoped failing(hooks::onSendfile,
+                              [&](int to, int, off_t*, std::size_t) -> ssize_t {
+                                EXPECT_TRUE(local.File("b").Exists());
+                                return FailHalfway(to);
+                              });
   EXPECT_EQ(Send("//10.0.0.5/docs/a", local.Text("b")), 1);
   EXPECT_EQ(error,
             "Unable to copy file from /mnt/orbmountZ/a to " + local.Text("b"));
@@ -308,8 +308,7 @@ TEST_F(MountTransfer, DeletesAFileWithEitherKindOfSlashes) {
 
 TEST_F(MountTransfer, Returns1WithoutATextForAMissingFile) {
   const FakeMount mount;
-  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error),
-            1);
+  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error), 1);
   EXPECT_EQ(error, "");
   EXPECT_EQ(share.DeleteShareFile("//10.0.0.5/docs/a", nullptr, error), 1);
   EXPECT_EQ(error, kRemark);
@@ -326,8 +325,7 @@ TEST_F(MountTransfer, Returns1ForAnEmptyDirectoryThatItDeletes) {
 TEST_F(MountTransfer, DeletingGives5Or1WhenItCannotMount) {
   mkdir(Folder('Z').c_str(), 0755);
   const FakeMount mount({EIO, EIO, EIO, EIO, EIO, EIO});
-  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error),
-            5);
+  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error), 5);
   EXPECT_EQ(error.GetUTF8String(), AllReports(EIO));
   EXPECT_EQ(share.DeleteShareFile("//10.0.0.5/docs/a", nullptr, error), 1);
   EXPECT_EQ(error.GetUTF8String(), AllReports(EIO));
@@ -338,8 +336,7 @@ TEST_F(MountTransfer, DeletingGives5Or1WhenItCannotMount) {
 TEST_F(MountTransfer, DeletingGives6WhenRefused) {
   mkdir(Folder('Z').c_str(), 0755);
   const FakeMount mount({EACCES, EACCES});
-  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error),
-            6);
+  EXPECT_EQ(share.DeleteFileUsingMount("//10.0.0.5/docs/a", nullptr, error), 6);
   EXPECT_EQ(share.DeleteShareFile("//10.0.0.5/docs/a", nullptr, error), 6);
   EXPECT_EQ(error, "");
 }

@@ -88,9 +88,8 @@ TEST_F(Mounting, HasADotForTheDomainWhenNothingIsSet) {
 
 TEST_F(Mounting, HasTheUserWithoutAPassword) {
   KVTAuthentication auth("backup", "");
-  EXPECT_EQ(
-      Options(kDocs, &auth),
-      "unc=\\\\10.0.0.5\\docs,ip=10.0.0.5,domain=.,user=backup,vers=3.0");
+  EXPECT_EQ(Options(kDocs, &auth),
+            "unc=\\\\10.0.0.5\\docs,ip=10.0.0.5,domain=.,user=backup,vers=3.0");
 }
 
 TEST_F(Mounting, HasUserAndDomain) {
@@ -108,9 +107,8 @@ TEST_F(Mounting, HasTheDomainAlone) {
 
 TEST_F(Mounting, HasThePasswordAlone) {
   KVTAuthentication auth("", "secret");
-  EXPECT_EQ(
-      Options(kDocs, &auth),
-      "unc=\\\\10.0.0.5\\docs,ip=10.0.0.5,domain=.,pass=secret,vers=3.0");
+  EXPECT_EQ(Options(kDocs, &auth),
+            "unc=\\\\10.0.0.5\\docs,ip=10.0.0.5,domain=.,pass=secret,vers=3.0");
 }
 
 TEST_F(Mounting, HasUserAndPassword) {
@@ -142,8 +140,7 @@ TEST_F(Mounting, LeavesAnIPv6AddressWithoutBrackets) {
   EXPECT_EQ(Mount("\\\\[fe80::1]\\docs\\a\\b.txt"), 0);
   ASSERT_EQ(mount.Calls().size(), 1u);
   EXPECT_EQ(mount.Calls()[0].source, "//fe80::1/docs");
-  EXPECT_EQ(mount.Calls()[0].data,
-            "unc=\\\\fe80::1\\docs,ip=fe80::1,vers=3.0");
+  EXPECT_EQ(mount.Calls()[0].data, "unc=\\\\fe80::1\\docs,ip=fe80::1,vers=3.0");
   EXPECT_EQ(path, "/mnt/orbmountZ/a/b.txt");
 }
 
@@ -229,10 +226,11 @@ TEST_F(Mounting, StopsAtSuccessOrRefusalForEverySequenceOfErrno) {
         KVTString report("earlier text");
         KVTString mounted(kUntouched);
         const FakeMount mount({first, second, third});
-        EXPECT_EQ(
-            fresh.MountNetworkShare("//10.0.0.5/docs/a", nullptr, mounted,
-                                    report),
-            last == 0 ? 0 : last == EACCES ? 6 : 1);
+        EXPECT_EQ(fresh.MountNetworkShare("//10.0.0.5/docs/a", nullptr, mounted,
+                                          report),
+                  last == 0        ? 0
+                  : last == EACCES ? 6
+                                   : 1);
         EXPECT_EQ(mount.Calls().size(), calls);
         EXPECT_EQ(report.GetUTF8String(), text);
         EXPECT_EQ(mounted, last == 0 ? "/mnt/orbmountZ/a" : kUntouched);
@@ -331,8 +329,7 @@ TEST_P(WithoutHostOrShare, NothingIsMounted) {
 INSTANTIATE_TEST_SUITE_P(, WithoutHostOrShare,
                          testing::Values("\\\\10.0.0.5", "//10.0.0.5/",
                                          "//nohost/docs", "//db/docs",
-                                         "cifs:/fs1/docs",
-                                         "\\\\[]\\docs\\a"));
+                                         "cifs:/fs1/docs", "\\\\[]\\docs\\a"));
 
 TEST_F(Mounting, PutsASlashBehindTheFolderOfAShareAlone) {
   const FakeMount mount;
@@ -460,9 +457,9 @@ TEST_F(Mounting, ReportsTheFolderThatWasChosen) {
   MountForReal("something", Folder('Z'));
   const FakeMount mount({EIO, EIO, EIO});
   EXPECT_EQ(Mount(kDocs), 1);
-  EXPECT_EQ(error.GetUTF8String(),
-            Smb3(EIO, "/mnt/orbmountY") + Smb2(EIO, "/mnt/orbmountY") +
-                Smb1(EIO, "/mnt/orbmountY"));
+  EXPECT_EQ(error.GetUTF8String(), Smb3(EIO, "/mnt/orbmountY") +
+                                       Smb2(EIO, "/mnt/orbmountY") +
+                                       Smb1(EIO, "/mnt/orbmountY"));
 }
 
 }  // namespace

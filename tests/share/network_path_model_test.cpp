@@ -56,8 +56,8 @@ testing::AssertionResult Agree(const KVTString& path) {
 
 TEST(NetworkPathModel, AgreesOnAllShortTexts) {
   const FakeNames names(ForTheFake());
-  const std::vector<unsigned short> alphabet = {'a', '/', '\\', '[', ']',
-                                                0x20AC};
+  const std::vector<unsigned short> alphabet = {'a', '/', '\\',
+                                                '[', ']', 0x20AC};
   std::vector<Units> texts = {Units()};
   for (std::size_t from = 0; from < texts.size(); ++from) {
     const Units text = texts[from];
@@ -73,10 +73,25 @@ TEST(NetworkPathModel, AgreesOnRandomLocations) {
   SCOPED_TRACE(SeedTrace(seed));
   std::mt19937 random(seed);
   const FakeNames names(ForTheFake());
-  const std::vector<std::string> parts = {
-      "smb:", "cifs:", "//", "\\\\", "/", "\\", "fs1", "10.0.0.5", "[::1]",
-      "fe80::1", "docs", "a b", ".", "[", "]", "\xC3\xA9", "\xE6\x96\x87",
-      "\xF0\x9F\x98\x80", "aaa"};
+  const std::vector<std::string> parts = {"smb:",
+                                          "cifs:",
+                                          "//",
+                                          "\\\\",
+                                          "/",
+                                          "\\",
+                                          "fs1",
+                                          "10.0.0.5",
+                                          "[::1]",
+                                          "fe80::1",
+                                          "docs",
+                                          "a b",
+                                          ".",
+                                          "[",
+                                          "]",
+                                          "\xC3\xA9",
+                                          "\xE6\x96\x87",
+                                          "\xF0\x9F\x98\x80",
+                                          "aaa"};
   std::uniform_int_distribution<std::size_t> part(0, parts.size() - 1);
   std::uniform_int_distribution<int> count(0, 10);
   for (int i = 0; i < 20000; ++i) {

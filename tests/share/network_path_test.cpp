@@ -40,8 +40,7 @@ const ParseCase kParseCases[] = {
     {"SeparatorBehindRest", "\\\\fs1\\docs\\a\\", 0, "10.0.0.5", "docs", "a"},
     {"MixedSeparators", "\\\\fs1\\docs/a\\b", 0, "10.0.0.5", "docs", "a\\b"},
     {"HostOnly", "\\\\fs1", 0, "10.0.0.5", kUntouched, kUntouched},
-    {"SeparatorBehindHost", "\\\\fs1\\", 0, "10.0.0.5", kUntouched,
-     kUntouched},
+    {"SeparatorBehindHost", "\\\\fs1\\", 0, "10.0.0.5", kUntouched, kUntouched},
     {"TwoSeparatorsBehindHost", "\\\\fs1\\\\docs", 1, "10.0.0.5", kUntouched,
      kUntouched},
     {"ThreeSlashesInFront", "///fs1/docs", 1, kUntouched, kUntouched,
@@ -64,14 +63,12 @@ const ParseCase kParseCases[] = {
      kUntouched},
     {"ClosingBracketAlone", "\\\\fe80::1]\\docs", 0, kUntouched, "docs",
      kUntouched},
-    {"ManyBrackets", "\\\\[[fe80::1]]\\docs", 0, "fe80::1", "docs",
-     kUntouched},
+    {"ManyBrackets", "\\\\[[fe80::1]]\\docs", 0, "fe80::1", "docs", kUntouched},
     {"BracketsAroundIPv4", "\\\\[10.0.0.5]\\docs", 0, "10.0.0.5", "docs",
      kUntouched},
     {"MixedSeparatorsBehindRest", "\\\\fs1\\docs\\a/b/", 0, "10.0.0.5", "docs",
      "a/b"},
-    {"DoubledSeparatorBeforeRest", "//fs1/docs//a", 0, "10.0.0.5", "docs",
-     "a"},
+    {"DoubledSeparatorBeforeRest", "//fs1/docs//a", 0, "10.0.0.5", "docs", "a"},
     // All "\" go first and then all "/": what then stands at the ends stays.
     {"SlashesAroundBackslashes", "\\\\fs1\\docs\\\\/\\a\\/\\", 0, "10.0.0.5",
      "docs", "\\a\\"},
@@ -90,8 +87,8 @@ const ParseCase kParseCases[] = {
     // Bytes are counted and units taken: the share folder runs on by one unit
     // for a two-byte letter, and the separator it then ends in is trimmed; with
     // a second such letter it takes a letter of the rest along.
-    {"NonAsciiShareFolder", "//fs1/\xC3\xA9t/abc", 0, "10.0.0.5",
-     "\xC3\xA9t", "abc"},
+    {"NonAsciiShareFolder", "//fs1/\xC3\xA9t/abc", 0, "10.0.0.5", "\xC3\xA9t",
+     "abc"},
     {"ShareFolderRunsOn", "//fs1/\xC3\xA9t\xC3\xA9/abc", 0, "10.0.0.5",
      "\xC3\xA9t\xC3\xA9/a", "abc"},
     {"ShareFolderRunsOnToTheEnd", "//fs1/\xE6\x96\x87\xE6\x96\x87/a", 0,
@@ -108,9 +105,9 @@ TEST_P(ParseNetworkPath, AssignsThePiecesThatItReaches) {
   KVTString hostIp(kUntouched);
   KVTString shareFolder(kUntouched);
   KVTString remainder(kUntouched);
-  EXPECT_EQ(paths.ParseNetworkPath(GetParam().path, hostIp, shareFolder,
-                                   remainder),
-            GetParam().result);
+  EXPECT_EQ(
+      paths.ParseNetworkPath(GetParam().path, hostIp, shareFolder, remainder),
+      GetParam().result);
   EXPECT_EQ(hostIp, GetParam().hostIp);
   EXPECT_EQ(shareFolder, GetParam().shareFolder);
   EXPECT_EQ(remainder, GetParam().remainder);

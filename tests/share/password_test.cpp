@@ -50,9 +50,7 @@ std::vector<Failure> Failures() {
          return Set(hooks::onGetaddrinfo, [](auto...) -> int { throw 1; });
        }},
       {"the list of mounts throws",
-       [] {
-         return Set(hooks::onFopen, [](auto...) -> FILE* { throw 1; });
-       }},
+       [] { return Set(hooks::onFopen, [](auto...) -> FILE* { throw 1; }); }},
       {"no folder can be made",
        [] {
          return Set(hooks::onMkdir, [](auto...) {
@@ -155,9 +153,8 @@ class Password : public EmptyMnt {
   const hooks::Scoped<decltype(hooks::onMount)> mMounting{
       hooks::onMount,
       [this](const char* source, const char* target, const char* type,
-             unsigned long, const void* data) {
-        return Mount(source, target, type, data);
-      }};
+             unsigned long,
+             const void* data) { return Mount(source, target, type, data); }};
   const hooks::Scoped<decltype(hooks::onGetaddrinfo)> mNames{
       hooks::onGetaddrinfo, [](auto...) { return EAI_NONAME; }};
   const hooks::Scoped<decltype(hooks::onSleep)> mSleeping{

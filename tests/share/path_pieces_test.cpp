@@ -133,8 +133,8 @@ TEST(ParentDirectory, IsLeftAloneWhenItExists) {
     return hooks::RealMkdir(path, m);
   });
   KVTShareFileInternal paths;
-  EXPECT_FALSE(paths.CreateParentDirectoryIfDoesntExist(
-      directory.Text("file.txt")));
+  EXPECT_FALSE(
+      paths.CreateParentDirectoryIfDoesntExist(directory.Text("file.txt")));
   EXPECT_EQ(made, 0);
   EXPECT_FALSE(directory.File("file.txt").Exists());
 }
@@ -142,8 +142,8 @@ TEST(ParentDirectory, IsLeftAloneWhenItExists) {
 TEST(ParentDirectory, IsMadeWithItsOwnParentsAndReportsFalse) {
   const TemporaryDirectory directory;
   KVTShareFileInternal paths;
-  EXPECT_FALSE(paths.CreateParentDirectoryIfDoesntExist(
-      directory.Text("a/b/file.txt")));
+  EXPECT_FALSE(
+      paths.CreateParentDirectoryIfDoesntExist(directory.Text("a/b/file.txt")));
   struct stat status;
   ASSERT_EQ(stat(directory.Path("a/b").c_str(), &status), 0);
   EXPECT_TRUE(S_ISDIR(status.st_mode));

@@ -263,11 +263,11 @@ TEST_F(SendFile, MayBeGivenOneTextForPathAndError) {
 
 TEST_F(SendFile, GoesThroughARealMountAndBack) {
   const TemporaryDirectory server;
-  const hooks::Scoped mounting(
-      hooks::onMount, [&](const char*, const char* target, auto...) {
-        CoverWith(server.Path(), target);
-        return 0;
-      });
+  const hooks::Scoped mounting(hooks::onMount,
+                               [&](const char*, const char* target, auto...) {
+                                 CoverWith(server.Path(), target);
+                                 return 0;
+                               });
   std::string content(1 << 20, 'x');
   content += "end";
   WriteFile(local.Path("a"), content);
@@ -283,9 +283,9 @@ TEST_F(SendFile, GoesThroughARealMountAndBack) {
   EXPECT_EQ(Send(local.Text("a"), "//10.0.0.5/other/c"), 0);
   EXPECT_EQ(share.mMountedShares["//10.0.0.5/other"], "/mnt/orbmountY");
 
-  EXPECT_EQ(share.DeleteShareFile("\\\\10.0.0.5\\docs\\deep\\er\\b", nullptr,
-                                  error),
-            0);
+  EXPECT_EQ(
+      share.DeleteShareFile("\\\\10.0.0.5\\docs\\deep\\er\\b", nullptr, error),
+      0);
   EXPECT_FALSE(server.File("deep/er/b").Exists());
   EXPECT_TRUE(server.File("deep/er").Exists());
 

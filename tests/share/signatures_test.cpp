@@ -40,14 +40,12 @@ TEST(ShareSignatures, OfOperationsOnLocations) {
   using Class = KVTShareFileInternal;
   ExpectSame<bool (Class::*)(KVTString)>(&Class::isMaliciousNetworkShare);
   ExpectSame<int (Class::*)(KVTString, KVTString&)>(&Class::GetParentPath);
-  ExpectSame<int (Class::*)(const KVTString&, KVTString&)>(
-      &Class::GetFileName);
+  ExpectSame<int (Class::*)(const KVTString&, KVTString&)>(&Class::GetFileName);
   ExpectSame<bool (Class::*)(KVTString)>(
       &Class::CreateParentDirectoryIfDoesntExist);
   ExpectSame<int (Class::*)(KVTString, KVTString&, KVTString&, KVTString&)>(
       &Class::ParseNetworkPath);
-  ExpectSame<int (Class::*)(KVTString, KVTString&)>(
-      &Class::ResolveHostAddress);
+  ExpectSame<int (Class::*)(KVTString, KVTString&)>(&Class::ResolveHostAddress);
   ExpectSame<KVTString (Class::*)(KVTString)>(&Class::RefactorIPv6ForMounting);
   ExpectSame<KVTString (Class::*)(KVTString)>(
       &Class::RefactorIPv6ForWindowSMB1);
@@ -72,10 +70,9 @@ TEST(ShareSignatures, OfMounts) {
 TEST(ShareSignatures, OfTransfers) {
   using Class = KVTShareFile;
   using Send = int (Class::*)(const KVTString&, KVTAuthentication*,
-                              const KVTString&, KVTAuthentication*,
-                              KVTString&);
-  using Delete = int (Class::*)(const KVTString&, KVTAuthentication*,
-                                KVTString&);
+                              const KVTString&, KVTAuthentication*, KVTString&);
+  using Delete =
+      int (Class::*)(const KVTString&, KVTAuthentication*, KVTString&);
   ExpectSame<KVTShareFile* (*)()>(&Class::Instance);
   ExpectSame<KVTShareFile**>(&Class::mInstance);
   ExpectSame<bool (Class::*)(const KVTString&)>(&Class::IsSharePath);

@@ -30,8 +30,8 @@ struct Thrown {
 };
 
 const Thrown kThrown[] = {
-    {"NarrowPointer", [] { throw static_cast<char*>(narrowText); }, true,
-     false, "narrow text"},
+    {"NarrowPointer", [] { throw static_cast<char*>(narrowText); }, true, false,
+     "narrow text"},
     {"WidePointer", [] { throw &wideText; }, false, true, nullptr},
     {"WideText", [] { throw KVTString("wide text"); }, false, false,
      "wide text"},
@@ -351,9 +351,8 @@ TEST(ThrownText, OfSendFileMayBeNullOrEmpty) {
   const TemporaryDirectory local;
   KVTShareFile share;
   char* thrown = nullptr;
-  const hooks::Scoped throwing(hooks::onSleep, [&](unsigned) -> unsigned {
-    throw thrown;
-  });
+  const hooks::Scoped throwing(hooks::onSleep,
+                               [&](unsigned) -> unsigned { throw thrown; });
   KVTString error;
   const auto send = [&] {
     return share.SendFile(local.Text("a"), nullptr, local.Text("b"), nullptr,
@@ -378,9 +377,9 @@ TEST(ThrownText, OfSendFileIsReadAsUtf8) {
     throw static_cast<char*>(thrown);
   });
   KVTString error;
-  EXPECT_EQ(share.SendFile(local.Text("a"), nullptr, local.Text("b"), nullptr,
-                           error),
-            1);
+  EXPECT_EQ(
+      share.SendFile(local.Text("a"), nullptr, local.Text("b"), nullptr, error),
+      1);
   EXPECT_EQ(error, FromUnits({'h', 0xF6, 's', 't'}));
 }
 
@@ -389,8 +388,8 @@ TEST(ThrownText, OfSendFileIsReadAsUtf8) {
 // Its mounts and pauses keep no record, which would take memory as well.
 class OutOfMemory : public EmptyMnt {
  protected:
-  const hooks::Scoped<decltype(hooks::onMount)> mMount{hooks::onMount,
-                                                       [](auto...) { return 0; }};
+  const hooks::Scoped<decltype(hooks::onMount)> mMount{
+      hooks::onMount, [](auto...) { return 0; }};
   const hooks::Scoped<decltype(hooks::onSleep)> mSleep{
       hooks::onSleep, [](unsigned) { return 0u; }};
 };
@@ -412,8 +411,8 @@ TEST_F(OutOfMemory, NeverLeavesSendFile) {
     int result = -1;
     {
       const hooks::FailingAllocator failing(count, 400);
-      result = share.SendFile(local.Text("a"), nullptr, destination, nullptr,
-                              error);
+      result =
+          share.SendFile(local.Text("a"), nullptr, destination, nullptr, error);
       ranOut = failing.Refused() > 0;
     }
     if (!ranOut) {
@@ -433,8 +432,7 @@ TEST_F(OutOfMemory, NeverLeavesSendFile) {
 
 TEST_F(OutOfMemory, LeavesTheParserAsItsText) {
   KVTShareFileInternal paths;
-  const KVTString path =
-      FromUtf8("//10.0.0.5/docs/" + std::string(1000, 'n'));
+  const KVTString path = FromUtf8("//10.0.0.5/docs/" + std::string(1000, 'n'));
   bool ranOut = true;
   bool leftHost = false;
   bool leftShareFolder = false;

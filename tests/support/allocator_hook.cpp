@@ -36,7 +36,8 @@ bool Refuse(std::size_t size) {
 }
 
 void* Allocate(std::size_t size) {
-  void* const block = Refuse(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
+  void* const block =
+      Refuse(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }

@@ -5,8 +5,8 @@
 
 #include <string>
 
-/// Sends descriptor 1 or 2 to a file while the object lives, so that all that is
-/// written there is caught, whichever way it comes.
+/// Sends descriptor 1 or 2 to a file while the object lives, so that all that
+/// is written there is caught, whichever way it comes.
 class CapturedDescriptor {
  public:
   /// Throws when the descriptor cannot be redirected.

@@ -76,6 +76,5 @@ void CoverWith(const std::string& source, const std::string& target) {
 }
 
 void Uncover(const std::string& path) {
-  Check(syscall(SYS_umount2, path.c_str(), MNT_DETACH) == 0,
-        "umount " + path);
+  Check(syscall(SYS_umount2, path.c_str(), MNT_DETACH) == 0, "umount " + path);
 }

@@ -18,7 +18,9 @@ Units Trim(Units text, unsigned short c) {
 
 Units TrimSeparators(const Units& text) { return Trim(Trim(text, '\\'), '/'); }
 
-std::string ToUtf8(const Units& text) { return KVTString(text).GetUTF8String(); }
+std::string ToUtf8(const Units& text) {
+  return KVTString(text).GetUTF8String();
+}
 
 // How many units stand before the first separator.
 std::size_t UnitsBeforeSeparator(const Units& text) {

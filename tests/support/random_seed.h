@@ -8,8 +8,8 @@
 /// The number in the environment variable KVT_TEST_SEED, otherwise a fresh one.
 unsigned RandomSeed();
 
-/// What a failure shows, with SCOPED_TRACE(SeedTrace(seed)): how to get the same
-/// input again.
+/// What a failure shows, with SCOPED_TRACE(SeedTrace(seed)): how to get the
+/// same input again.
 std::string SeedTrace(unsigned seed);
 
 #endif  // KVT_TESTS_RANDOM_SEED_H

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-/// Sets TZ (in the form of tzset(3), such as "CET-1CEST,M3.5.0,M10.5.0/3", which
-/// needs no files) while the object lives.
+/// Sets TZ (in the form of tzset(3), such as "CET-1CEST,M3.5.0,M10.5.0/3",
+/// which needs no files) while the object lives.
 class TimeZone {
  public:
   explicit TimeZone(const std::string& zone);

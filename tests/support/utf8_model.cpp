@@ -53,8 +53,8 @@ std::basic_string<unsigned short> ModelDecodeUtf8(const std::string& bytes) {
     for (const Lead& lead : kLeads) {
       if (byte < lead.first || byte > lead.last) continue;
       if (i + lead.behind >= bytes.size()) break;
-      const Bits bits = Payload(bytes[i], lead.payloadBits,
-                                bytes.substr(i + 1, lead.behind));
+      const Bits bits =
+          Payload(bytes[i], lead.payloadBits, bytes.substr(i + 1, lead.behind));
       if (lead.behind < 3) {
         units += static_cast<unsigned short>(FromBits(bits));
       } else {

@@ -14,7 +14,6 @@
 
 namespace {
 
-
 KVTGUID Make(unsigned data1, unsigned data2, unsigned data3,
              std::initializer_list<unsigned> data4) {
   signed char bytes[8] = {};
@@ -29,13 +28,12 @@ std::string Shown(const KVTGUID& id) {
   const auto byte = [&id](int i) {
     return static_cast<unsigned>(static_cast<unsigned char>(id.mData4[i]));
   };
-  std::snprintf(text, sizeof text,
-                "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
-                static_cast<unsigned>(id.mData1),
-                static_cast<unsigned>(static_cast<unsigned short>(id.mData2)),
-                static_cast<unsigned>(static_cast<unsigned short>(id.mData3)),
-                byte(0), byte(1), byte(2), byte(3), byte(4), byte(5), byte(6),
-                byte(7));
+  std::snprintf(
+      text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
+      static_cast<unsigned>(id.mData1),
+      static_cast<unsigned>(static_cast<unsigned short>(id.mData2)),
+      static_cast<unsigned>(static_cast<unsigned short>(id.mData3)), byte(0),
+      byte(1), byte(2), byte(3), byte(4), byte(5), byte(6), byte(7));
   return text;
 }
 
@@ -131,7 +129,8 @@ const TextCase kTextCases[] = {
      "00112233-4455-6677-8899-aabbccddeeff"},
     {"WithADashBehindAndFiveParts", "00112233-4455-6677-8899-aabbccddeef-",
      "00112233-4455-6677-8899-aabbccddee0f"},
-    {"WithTwoDashesTogetherAndFiveParts", "0112233--4455-6677-8899-aabbccddeeff",
+    {"WithTwoDashesTogetherAndFiveParts",
+     "0112233--4455-6677-8899-aabbccddeeff",
      "00112233-4455-6677-8899-aabbccddeeff"},
     // Lengths of the parts
     {"FirstPartTooLarge", "1001122334-455-667-8899-aabbccddeeff",
@@ -168,7 +167,8 @@ const TextCase kTextCases[] = {
      "00112233-4455-6677-8899-01bbccddeeff"},
     {"TwoByteCharacterMakesTheTailTooLong",
      "00112233-4455-6677-8899-aabbccddeef\xC3\xA9", kAllZero},
-    {"TwoByteCharacterInAShortTail", "000112233-4455-6677-8899-aabbccddee\xC3\xA9",
+    {"TwoByteCharacterInAShortTail",
+     "000112233-4455-6677-8899-aabbccddee\xC3\xA9",
      "00112233-4455-6677-8899-aabbccddee00"},
     // Other characters in the first three parts
     {"LettersInTheFirstPart", "zz112233-4455-6677-8899-aabbccddeeff",

@@ -45,9 +45,9 @@ TEST(KVTLock, LetsOneThreadInAtATime) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 50000;
   KVTLock lock;
-  long count = 0;  // guarded by lock
+  long count = 0;     // guarded by lock
   bool alone = true;  // guarded by lock
-  int inside = 0;  // guarded by lock
+  int inside = 0;     // guarded by lock
   std::atomic<int> ready{0};
   std::vector<std::thread> threads;
   for (int i = 0; i < kThreads; ++i) {

@@ -50,7 +50,8 @@ TEST(KVTStringCompareIgnoringCase, GivesTheDifferenceOfLengthsForAPrefix) {
   EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity("", "abcde"), -5);
   EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity("abcde", ""), 5);
   // Lengths in bytes: the euro sign has three.
-  EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity("a", "a\xE2\x82\xAC"), -3);
+  EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity("a", "a\xE2\x82\xAC"),
+            -3);
 }
 
 TEST(KVTStringCompareIgnoringCase, OrdersByTheFirstBytesThatDiffer) {
@@ -96,7 +97,8 @@ TEST(KVTStringCompare, PassesBytesToToupperAsSignedChars) {
     seen.push_back(character);
     return character;
   });
-  EXPECT_TRUE(KVTString::CompareBasedOnOSCaseSensitivity("\xC3\xA9", "\xC3\xA9"));
+  EXPECT_TRUE(
+      KVTString::CompareBasedOnOSCaseSensitivity("\xC3\xA9", "\xC3\xA9"));
   EXPECT_THAT(seen, ElementsAre(-0x3D, -0x57, -0x3D, -0x57));
   seen.clear();
   EXPECT_EQ(KVTString::CompareBasedOnCaseInsensitivity("a\xC3\xA9", ""), 3);

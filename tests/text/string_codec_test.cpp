@@ -55,18 +55,24 @@ const EncodingCase kEncodingCases[] = {
     {"FirstLowAlone", {0xDC00}, "\xED\xB0\x80"},
     {"LowAlone", {0xDE00}, "\xED\xB8\x80"},
     {"LastLowAlone", {0xDFFF}, "\xED\xBF\xBF"},
-    {"HighBeforeAscii", {0xD83D, 0x41}, "\xED\xA0\xBD" "A"},
-    {"HighBeforeLastUnitBelowTheLows", {0xD83D, 0xDBFF},
+    {"HighBeforeAscii",
+     {0xD83D, 0x41},
+     "\xED\xA0\xBD"
+     "A"},
+    {"HighBeforeLastUnitBelowTheLows",
+     {0xD83D, 0xDBFF},
      "\xED\xA0\xBD\xED\xAF\xBF"},
-    {"HighBeforeFirstUnitAboveTheLows", {0xD83D, 0xE000},
+    {"HighBeforeFirstUnitAboveTheLows",
+     {0xD83D, 0xE000},
      "\xED\xA0\xBD\xEE\x80\x80"},
     {"LowBeforeHigh", {0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"},
-    {"HighBeforePair", {0xD83D, 0xD83D, 0xDE00},
+    {"HighBeforePair",
+     {0xD83D, 0xD83D, 0xDE00},
      "\xED\xA0\xBD\xF0\x9F\x98\x80"},
-    {"PairBeforeLow", {0xD83D, 0xDE00, 0xDE00},
-     "\xF0\x9F\x98\x80\xED\xB8\x80"},
+    {"PairBeforeLow", {0xD83D, 0xDE00, 0xDE00}, "\xF0\x9F\x98\x80\xED\xB8\x80"},
     // Runs
-    {"AllLengths", {0x41, 0xE9, 0x20AC, 0xD83D, 0xDE00, 0x7A},
+    {"AllLengths",
+     {0x41, 0xE9, 0x20AC, 0xD83D, 0xDE00, 0x7A},
      "A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z"},
 };
 
@@ -87,8 +93,7 @@ TEST(KVTStringEncoding, TakesThreeBytesFromUnit07FFOn) {
 }
 
 TEST(KVTStringEncoding, KeepsZeroUnitsAsZeroBytes) {
-  EXPECT_EQ(FromUnits({0x61, 0, 0x62}).GetUTF8String(),
-            std::string("a\0b", 3));
+  EXPECT_EQ(FromUnits({0x61, 0, 0x62}).GetUTF8String(), std::string("a\0b", 3));
   EXPECT_EQ(FromUnits({0}).GetUTF8String(), std::string(1, '\0'));
   EXPECT_EQ(FromUnits({0xD83D, 0, 0xDE00}).GetUTF8String(),
             std::string("\xED\xA0\xBD\0\xED\xB8\x80", 7));
@@ -146,14 +151,20 @@ const DecodingCase kDecodingCases[] = {
     {"LeadOfThreeAndAscii", "\xE2z", {0x7A}},
     {"LeadOfThreeAndLeadOfTwo", "\xE2\xC3", {}},
     {"LeadOfFourAtEnd", "\xF0", {}},
-    {"LeadOfFourAndTwoLetters", "\xF0" "ab", {0x61, 0x62}},
+    {"LeadOfFourAndTwoLetters",
+     "\xF0"
+     "ab",
+     {0x61, 0x62}},
     {"LeadOfFourBeforeAWholeTwo", "\xF0\xC3\xA9", {0xE9}},
     {"LeadOfFourAndTwoContinuationBytes", "\xF0\x9F\x98", {0x7D8}},
     // No leads
     {"ByteF8", "\xF8", {}},
     {"ByteFF", "\xFF", {}},
     {"NoLeadsGoOneAtATime", "a\xF8\xFC\xFE\xFFz", {0x61, 0x7A}},
-    {"ByteF8WithFourBehind", "\xF8" "abcd", {0x61, 0x62, 0x63, 0x64}},
+    {"ByteF8WithFourBehind",
+     "\xF8"
+     "abcd",
+     {0x61, 0x62, 0x63, 0x64}},
     {"ByteF8BeforeAWholeTwo", "\xF8\xC3\xA9", {0xE9}},
 };
 
@@ -174,7 +185,8 @@ TEST(KVTStringDecoding, FindsSequencesAtEveryDistanceFromTheFront) {
       const Units units =
           Units(front, 'a') + Units(1, 0x20AC) + Units(back, 'z');
       ASSERT_EQ(FromUtf8(bytes), KVTString(units)) << front << " " << back;
-      ASSERT_EQ(KVTString(units).GetUTF8String(), bytes) << front << " " << back;
+      ASSERT_EQ(KVTString(units).GetUTF8String(), bytes)
+          << front << " " << back;
     }
   }
 }

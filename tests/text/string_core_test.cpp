@@ -25,10 +25,11 @@ const Units kWithZero{0x61, 0, 0x62};
 // --- The class
 
 TEST(KVTStringClass, StandsOnTheStringTemplateAndAddsOnlyAVirtualDestructor) {
-  EXPECT_TRUE((std::is_base_of_v<
-               std::basic_string<unsigned short, std::char_traits<unsigned short>,
-                                 std::allocator<unsigned short>>,
-               KVTString>));
+  EXPECT_TRUE(
+      (std::is_base_of_v<
+          std::basic_string<unsigned short, std::char_traits<unsigned short>,
+                            std::allocator<unsigned short>>,
+          KVTString>));
   EXPECT_TRUE(std::has_virtual_destructor_v<KVTString>);
   EXPECT_EQ(sizeof(KVTString), sizeof(void*) + sizeof(Units));
 }
@@ -101,8 +102,8 @@ TEST(KVTStringConstruction, EndsWideTextAtAnElementOfAllZeroBitsOnly) {
 TEST(KVTStringConstruction, TakesNullNarrowTextAsEmptyInEveryEncoding) {
   EXPECT_TRUE(KVTString(nullptr, kNarrow).empty());
   EXPECT_TRUE(KVTString(nullptr, kUtf8).empty());
-  EXPECT_TRUE(
-      KVTString(nullptr, static_cast<KVTString::KVTCharEncodingType>(2)).empty());
+  EXPECT_TRUE(KVTString(nullptr, static_cast<KVTString::KVTCharEncodingType>(2))
+                  .empty());
 }
 
 TEST(KVTStringConstruction, SignExtendsNarrowBytes) {
@@ -220,8 +221,7 @@ TEST(KVTStringQueries, WidenEachUnitByZeroExtension) {
 TEST(KVTStringQueries, WidenASurrogatePairToTwoElementsAndKeepZeroUnits) {
   EXPECT_EQ(FromUnits({0xD83D, 0xDE00}).GetWstring(),
             (std::wstring{0xD83D, 0xDE00}));
-  EXPECT_EQ(FromUnits({0x61, 0, 0x62}).GetWstring(),
-            std::wstring(L"a\0b", 3));
+  EXPECT_EQ(FromUnits({0x61, 0, 0x62}).GetWstring(), std::wstring(L"a\0b", 3));
 }
 
 struct ContainsAnyCase {
@@ -271,15 +271,17 @@ INSTANTIATE_TEST_SUITE_P(, ContainsAnyTable,
 TEST(KVTStringContainsAny, LooksAtUnitsBehindAZeroUnitAndForZeroUnits) {
   EXPECT_TRUE(KVTString(kWithZero).ContainsAny("b", 0));
   EXPECT_TRUE(KVTString(kWithZero).ContainsAny(KVTString(Units{0x78, 0}), 0));
-  EXPECT_FALSE(KVTString("ab", kUtf8).ContainsAny(KVTString(Units{0x78, 0}), 0));
+  EXPECT_FALSE(
+      KVTString("ab", kUtf8).ContainsAny(KVTString(Units{0x78, 0}), 0));
 }
 
 TEST(KVTStringIsNonVisibleCharacter, HoldsForExactlySixBytes) {
   for (int byte = 0; byte <= 0xFF; ++byte) {
     const bool expected = byte == 0x08 || byte == 0x09 || byte == 0x0A ||
                           byte == 0x0B || byte == 0x0C || byte == 0x0D;
-    EXPECT_EQ(KVTString::IsNonVisibleCharacter(static_cast<unsigned char>(byte)),
-              expected)
+    EXPECT_EQ(
+        KVTString::IsNonVisibleCharacter(static_cast<unsigned char>(byte)),
+        expected)
         << byte;
   }
 }

@@ -39,7 +39,10 @@ const SubStringCase kSubStringCases[] = {
     {"LargestCountAtTheLength", "abcd", 4, UINT_MAX, ""},
     {"EmptyFromZero", "", 0, 1, ""},
     {"EmptyFromBeyondItsEnd", "", 5, 1, ""},
-    {"CountsUnitsAndNotBytes", "\xE2\x82\xAC" "bc", 1, 1, "b"},
+    {"CountsUnitsAndNotBytes",
+     "\xE2\x82\xAC"
+     "bc",
+     1, 1, "b"},
 };
 
 class SubStringTable : public testing::TestWithParam<SubStringCase> {};
@@ -81,7 +84,8 @@ struct SplitCase {
 
 void PrintTo(const SplitCase& c, std::ostream* out) { *out << c.name; }
 
-const SplitCase kSplitCases[] = {  // at the dot
+const SplitCase kSplitCases[] = {
+    // at the dot
     {"None", "abc", {}, {}},
     {"Empty", "", {}, {}},
     {"One", "a.b", {"a", "b"}, {"a", "b"}},
@@ -91,8 +95,10 @@ const SplitCase kSplitCases[] = {  // at the dot
     {"Alone", ".", {"", ""}, {"", ""}},
     {"Adjacent", "a..b", {"a", ".b"}, {"a.", "b"}},
     {"OnlySeparators", "...", {"", ".."}, {"..", ""}},
-    {"BeyondAscii", "\xC3\xA9.\xE2\x82\xAC",
-     {"\xC3\xA9", "\xE2\x82\xAC"}, {"\xC3\xA9", "\xE2\x82\xAC"}},
+    {"BeyondAscii",
+     "\xC3\xA9.\xE2\x82\xAC",
+     {"\xC3\xA9", "\xE2\x82\xAC"},
+     {"\xC3\xA9", "\xE2\x82\xAC"}},
 };
 
 class SplitTable : public testing::TestWithParam<SplitCase> {};
@@ -118,7 +124,9 @@ TEST(KVTStringSplit, FindsNoSeparatorThatIsZeroOrNotAscii) {
         KVTString::SplitStringOnceFromLast(KVTString(Units(text)), separator),
         IsEmpty());
   }
-  EXPECT_THAT(KVTString::SplitStringOnce("a\x7F" "b", '\x7F'),
+  EXPECT_THAT(KVTString::SplitStringOnce("a\x7F"
+                                         "b",
+                                         '\x7F'),
               ElementsAre("a", "b"));
 }
 
@@ -181,7 +189,8 @@ struct FieldCase {
 
 void PrintTo(const FieldCase& c, std::ostream* out) { *out << c.name; }
 
-const FieldCase kFieldCases[] = {  // at the comma
+const FieldCase kFieldCases[] = {
+    // at the comma
     {"EmptyTextHasNone", "", {}},
     {"One", "abc", {"abc"}},
     {"Two", "a,b", {"a", "b"}},
@@ -231,9 +240,8 @@ TEST(KVTStringJoin, GivesAnElementAloneAsItIsAndNothingForNone) {
 std::vector<KVTString> Combinations(const KVTString& text, unsigned size) {
   std::vector<KVTString> out;
   std::vector<char> buffer(size + 1, 'x');
-  text.ListCombinationsOfString(buffer.data(), 0,
-                                static_cast<unsigned>(text.size()) - 1, 0, size,
-                                out);
+  text.ListCombinationsOfString(
+      buffer.data(), 0, static_cast<unsigned>(text.size()) - 1, 0, size, out);
   return out;
 }
 

@@ -110,7 +110,10 @@ const ReplaceCase kReplaceCases[] = {
     {"WholeText", "abc", "abc", "x", "x"},
     {"ToLonger", "a.b.c", ".", "--", "a--b--c"},
     {"CaseCounts", "aA", "a", "b", "bA"},
-    {"BeyondAscii", "\xE2\x82\xAC" "5", "\xE2\x82\xAC", "EUR ", "EUR 5"},
+    {"BeyondAscii",
+     "\xE2\x82\xAC"
+     "5",
+     "\xE2\x82\xAC", "EUR ", "EUR 5"},
     // What a replacement makes can match again
     {"OddRunShrinksToOne", "aaa", "aa", "a", "a"},
     {"EvenRunShrinksToOne", "aaaa", "aa", "a", "a"},
@@ -120,7 +123,7 @@ const ReplaceCase kReplaceCases[] = {
     {"ReplacementEndsAMatch", "aab", "ab", "b", "b"},
     {"ReplacementStartsAMatch", "abb", "ab", "a", "a"},
     {"ReplacementIsInsideAMatch", "xyzz", "xyz", "y", "yz"},
-    {"ReplacementCompletesAMatchOnBothSides", "a(bc)d", "bc", "",  "a()d"},
+    {"ReplacementCompletesAMatchOnBothSides", "a(bc)d", "bc", "", "a()d"},
     // The first match counts, not the one that ends a longer run
     {"LeftmostFirst", "aba", "ab", "b", "ba"},
     {"OverlappingMatches", "ababa", "aba", "c", "cba"},
@@ -189,7 +192,9 @@ TEST(KVTStringSpaceComparer, HoldsForTwoBlanksOnly) {
 // --- RemoveInVisibleCharacters
 
 TEST(KVTStringRemoveInVisible, TakesTheSixBytesOutInPlace) {
-  KVTString text("\x08" "a\tb\nc\vd\fe\rf");
+  KVTString text(
+      "\x08"
+      "a\tb\nc\vd\fe\rf");
   KVTString::RemoveInVisibleCharacters(text);
   EXPECT_EQ(text, "abcdef");
 }

@@ -82,8 +82,8 @@ TEST(KVTStringGetIntValue, StopsAtAZeroUnit) {
 class GroupingLocale {
  public:
   GroupingLocale()
-      : mPrevious(std::locale::global(
-            std::locale(std::locale(std::locale::classic(), new Wide), new Narrow))) {}
+      : mPrevious(std::locale::global(std::locale(
+            std::locale(std::locale::classic(), new Wide), new Narrow))) {}
   ~GroupingLocale() { std::locale::global(mPrevious); }
 
  private:
@@ -188,8 +188,8 @@ TEST(KVTStringAppendNumber, HasRoomFor99Bytes) {
   EXPECT_EQ(text.GetUTF8String(), std::string(98, '0') + "7");
 }
 
-// AddressSanitizer answers __sprintf_chk in place of libc, with its own report and
-// exit status.
+// AddressSanitizer answers __sprintf_chk in place of libc, with its own report
+// and exit status.
 #ifdef __SANITIZE_ADDRESS__
 constexpr char kOverflowReport[] = "stack-buffer-overflow";
 bool IsAbort(int status) { return testing::ExitedWithCode(1)(status); }
@@ -249,7 +249,8 @@ TEST(KVTStringConvertInt, IsReadBackByGetIntValue) {
   std::mt19937 random(seed);
   for (int round = 0; round < 2000; ++round) {
     const unsigned value = static_cast<unsigned>(random()) >> random() % 32;
-    ASSERT_EQ(KVTString::ConvertIntToString(value).GetIntValue(std::dec), value);
+    ASSERT_EQ(KVTString::ConvertIntToString(value).GetIntValue(std::dec),
+              value);
     ASSERT_EQ(KVTString::ConvertIntToHexString(value).GetIntValue(std::hex),
               value);
     KVTString appended;

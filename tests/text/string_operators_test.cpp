@@ -68,8 +68,12 @@ TEST(KVTStringEquality, HoldsForTwoEmptyTexts) {
 TEST(KVTStringEquality, LooksAtUnitsBehindAZeroUnit) {
   EXPECT_FALSE(KVTString(kWithZero) == "a");
   EXPECT_FALSE("a" == KVTString(kWithZero));
-  EXPECT_TRUE(KVTString(kWithZero) == "a\xC0\x80" "b");
-  EXPECT_TRUE("a\xC0\x80" "b" == KVTString(kWithZero));
+  EXPECT_TRUE(KVTString(kWithZero) ==
+              "a\xC0\x80"
+              "b");
+  EXPECT_TRUE(
+      "a\xC0\x80"
+      "b" == KVTString(kWithZero));
   const wchar_t wide[] = {0x61, 0x10000, 0x62, 0};
   EXPECT_TRUE(KVTString(kWithZero) == wide);
   EXPECT_TRUE(wide == KVTString(kWithZero));

@@ -86,8 +86,8 @@ TEST(KVTTimeValue, IsCopiedAssignedAndSet) {
 }
 
 TEST(KVTTimeValue, ComparesAsAnUnsignedNumber) {
-  const unsigned long long values[] = {0, 5, 6, 0x7FFFFFFFFFFFFFFF,
-                                       0x8000000000000000, kAllOnes};
+  const unsigned long long values[] = {
+      0, 5, 6, 0x7FFFFFFFFFFFFFFF, 0x8000000000000000, kAllOnes};
   for (const unsigned long long a : values) {
     for (const unsigned long long b : values) {
       EXPECT_EQ(KVTTime(a) == KVTTime(b), a == b) << a << " " << b;
@@ -308,12 +308,16 @@ TEST(KVTTimeGetFields, GivesBackWhatWasSet) {
     const TimeZone zone(name);
     for (int round = 0; round < 1000; ++round) {
       const auto draw = [&random](int lowest, int highest) {
-        return lowest + static_cast<int>(
-                            random() % static_cast<unsigned>(highest - lowest + 1));
+        return lowest + static_cast<int>(random() % static_cast<unsigned>(
+                                                        highest - lowest + 1));
       };
       // From 4 o'clock on, where no clock is put forward.
-      const Fields drawn = {draw(1601, 9999), draw(1, 12), draw(1, 28),
-                            draw(4, 23),      draw(0, 59), draw(0, 59),
+      const Fields drawn = {draw(1601, 9999),
+                            draw(1, 12),
+                            draw(1, 28),
+                            draw(4, 23),
+                            draw(0, 59),
+                            draw(0, 59),
                             0};
       const KVTTime time(SecondsOf(drawn.year, drawn.month, drawn.day,
                                    drawn.hour, drawn.minute, drawn.second));

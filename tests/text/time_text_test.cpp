@@ -70,12 +70,12 @@ TEST(KVTTimeText, GivesTheLongDateWithATwoDigitDay) {
 
 TEST(KVTTimeText, EndsTheLongDateInTheYearOfTheIsoWeek) {
   const TimeZone zone(kUtc);
-  EXPECT_EQ(LongDate(1798804800), "Friday, January 01, 2026");    // 2027
+  EXPECT_EQ(LongDate(1798804800), "Friday, January 01, 2026");  // 2027
   EXPECT_EQ(ShortDate(1798804800), "1/1/2027");
   EXPECT_EQ(LongDate(1798718400), "Thursday, December 31, 2026");
   EXPECT_EQ(LongDate(1735473600), "Sunday, December 29, 2024");
-  EXPECT_EQ(LongDate(1735560000), "Monday, December 30, 2025");   // 2024
-  EXPECT_EQ(LongDate(1609675200), "Sunday, January 03, 2020");    // 2021
+  EXPECT_EQ(LongDate(1735560000), "Monday, December 30, 2025");  // 2024
+  EXPECT_EQ(LongDate(1609675200), "Sunday, January 03, 2020");   // 2021
   EXPECT_EQ(LongDate(1609761600), "Monday, January 04, 2021");
 }
 
@@ -127,8 +127,7 @@ TEST(KVTTimeText, IsWhatStrftimeGivesInto100BytesReadAsUtf8) {
 
 TEST(KVTTimeText, IsEmptyWhenStrftimeHasNoRoom) {
   const hooks::Scoped hook(
-      hooks::onStrftime,
-      [](char* out, std::size_t, const char*, const tm*) {
+      hooks::onStrftime, [](char* out, std::size_t, const char*, const tm*) {
         std::strcpy(out, "rest");  // what a failed call leaves is undefined
         return std::size_t{0};
       });
