@@ -36,8 +36,10 @@ void PrintLine(FILE* stream, const LineHeader& header, const char* format,
                header.date.c_str(), header.time.c_str(),
                header.function.c_str(), header.file.c_str(), header.line);
   std::vfprintf(stream, format, arguments);
-  // Callers rely on the format alone being looked at, not the text it makes.
-  if (format[std::strlen(format) - 1] != '\n') std::fputc('\n', stream);
+  // Callers rely on the format alone being looked at, not the text it makes,
+  // and keep it from being empty: its last byte is read unasked.
+  const char* const end = format + std::strlen(format);
+  if (end[-1] != '\n') std::fputc('\n', stream);
 }
 
 bool PassesToUserLog(int level, int shown) {

@@ -108,6 +108,16 @@ TEST_F(LogLine, LooksForTheLineFeedInTheFormatAlone) {
   EXPECT_EQ(Finish(), header + "one\n\n" + header + "two\n\n");
 }
 
+// The last byte is then the one in front of the text.
+TEST_F(LogLine, DoesNotAskWhetherTheFormatIsEmpty) {
+  char lineFeed[] = "\n";
+  char letter[] = "x";
+  KVTLogger::Log("Run", "main.cpp", 7, 4, lineFeed + 1);
+  KVTLogger::Log("Run", "main.cpp", 7, 4, letter + 1);
+  const std::string header = Header(" INFO");
+  EXPECT_EQ(Finish(), header + header + "\n");
+}
+
 // The argument list is started afresh for the user log.
 TEST_F(LogLine, FormatsEveryKindOfArgumentForBothLogs) {
   KVTLogger::Log("Run", "main.cpp", 7, 4, "%d %u %lld %s %c %.3f %p %x %%", -1,
