@@ -165,12 +165,14 @@ TEST_F(LogFiles, ReportAnInternalLogThatDoesNotOpen) {
   CapturedDescriptor standardError(2);
   StreamLog log;
   KVTLogger::mInternalLogFile = stdout;
+  KVTLogger::mUserLogFile = stdout;
   EXPECT_FALSE(KVTLogger::Initialize(options));
   EXPECT_EQ(standardError.Text(),
             "Error in Initialize opening user log file: " + path + "\n");
   EXPECT_EQ(KVTLogger::mInternalLogFile, nullptr);
-  EXPECT_EQ(KVTLogger::mUserLogFile, nullptr);
   // The user log was not tried.
+  EXPECT_EQ(KVTLogger::mUserLogFile, stdout);
+  KVTLogger::mUserLogFile = nullptr;
   EXPECT_THAT(log.opened, ElementsAre("w " + path));
   EXPECT_FALSE(KVTFile(FromUtf8(UserPath())).Exists());
   ExpectDefaultOptions();
@@ -264,6 +266,14 @@ TEST_F(LogFiles, NeedNoInitializeToTerminate) {
   EXPECT_THAT(log.closed, IsEmpty());
 }
 
+TEST_F(LogFiles, AreClosedEachByItself) {
+  StreamLog log;
+  FILE* const user = hooks::RealFopen(UserPath().c_str(), "w");
+  KVTLogger::mUserLogFile = user;
+  EXPECT_TRUE(KVTLogger::Terminate());
+  EXPECT_THAT(log.closed, ElementsAre(user));
+}
+
 TEST_F(LogFiles, LeaveStandardErrorOpen) {
   StreamLog log;
   EXPECT_TRUE(KVTLogger::Initialize(Options(5)));
@@ -291,6 +301,23 @@ TEST_F(LogFiles, AreNotFlushedBeforeTerminate) {
   KVTLogger::Terminate();
   EXPECT_EQ(Internal(), User());
   EXPECT_EQ(User(), Header("FATAL") + "one\n" + Header("FATAL") + "two\n");
+}
+
+TEST_F(LogFiles, TakeTextWhenTheBufferIsFull) {
+  EXPECT_TRUE(KVTLogger::Initialize(Options(3)));
+  std::string expected;
+  for (int i = 0; i < 1000; ++i) {
+    KVTLogger::Log("Run", "main.cpp", 7, 1, "line %d", i);
+    expected += Header("FATAL") + "line " + std::to_string(i) + "\n";
+  }
+  for (const std::string& written : {Internal(), User()}) {
+    EXPECT_NE(written, "");
+    EXPECT_LT(written.size(), expected.size());
+    EXPECT_EQ(written, expected.substr(0, written.size()));
+  }
+  KVTLogger::Terminate();
+  EXPECT_EQ(Internal(), expected);
+  EXPECT_EQ(User(), expected);
 }
 
 TEST_F(LogFiles, LoseTextOnAFullDeviceWithoutAWord) {
