@@ -80,9 +80,12 @@ class KVT_EXPORT KVTLoggingOptions {
 
 /// The logger: static members only.
 ///
-/// Log may run on several threads.  Each line is made by two or three calls of
-/// stdio, each of which holds the stream's own lock, so the parts of two lines
-/// can come mixed.  Initialize and Terminate must not run beside Log.
+/// Each line is made by two or three calls of stdio, each of which holds the
+/// stream's own lock, so the parts of lines that two threads log at once can
+/// come mixed.  Nothing else is guarded: the date and time go through the one
+/// static area of localtime(3), and mUserLogFile is assigned plainly.  Callers
+/// that cannot have that keep their calls of Log apart.  Initialize and
+/// Terminate must not run beside Log.
 class KVT_EXPORT KVTLogger {
  public:
   /// Opens the logs and stores the options; returns true on success.
