@@ -20,9 +20,10 @@ class KVT_EXPORT KVTCommandUtil {
   /// directory, then a line with a blank and the full path for every file found
   /// so far.  Callers rely on the files of earlier directories being repeated.
   /// A directory that cannot be opened gives its line and ":(" without a line
-  /// end.  Subdirectories are not listed; files come in the order of
-  /// readdir(3).  PATH is split by KVTString::SubStrings: empty parts are
-  /// skipped, and of ":/bin" nothing is left at all.
+  /// end.  Lines are flushed, that mark is not.  Subdirectories are not listed;
+  /// files come in the order of readdir(3).  PATH is split by
+  /// KVTString::SubStrings: empty parts are skipped, and of ":/bin" nothing is
+  /// left at all.
   ///
   /// Takes no lock: lines of other threads can come mixed.
   static bool CheckCommandExistence(KVTString& command);

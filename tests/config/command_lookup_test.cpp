@@ -186,4 +186,13 @@ TEST_F(CommandLookup, FlushesItsLines) {
   EXPECT_EQ(output.Text(), Line("a") + Line("a/x") + Line("missing") + ":(");
 }
 
+TEST_F(CommandLookup, FlushesTheLastFile) {
+  const std::string path = mDirectory.Path("a");
+  const SearchPath searchPath(path.c_str());
+  CapturedDescriptor output(1);
+  KVTString command;
+  KVTCommandUtil::CheckCommandExistence(command);
+  EXPECT_EQ(output.Written(), Line("a") + Line("a/x"));
+}
+
 }  // namespace
