@@ -251,6 +251,27 @@ TEST(ConfigReader, TakesManySectionsWithTheirEntries) {
   }
 }
 
+// A copy of a name ends at its first zero unit, an assigned one does not.
+TEST(ConfigReader, CopiesItsSectionsWholeWhenTheVectorGrows) {
+  std::istringstream first("[one]\nb=2\na=1\nb=1\n");
+  KVTConfigReader reader(first);
+  auto& sections = reader.GetConfiguration();
+  sections.shrink_to_fit();
+  ASSERT_EQ(sections.capacity(), 1u);
+  sections[0].mName = FromUnits({'x', 0, 'y'});
+  ASSERT_EQ(sections[0].mName.size(), 3u);
+  const KVTString* const value = &sections[0].mEntries.begin()->second;
+  std::istringstream second("[two]\n");
+  reader.ReadConfiguration(second);
+  ASSERT_EQ(sections.size(), 2u);
+  EXPECT_EQ(sections[0].mName, "x");
+  EXPECT_NE(&sections[0].mEntries.begin()->second, value);
+  EXPECT_THAT(sections[0].mEntries,
+              ElementsAre(Pair(KVTString("a"), KVTString("1")),
+                          Pair(KVTString("b"), KVTString("2")),
+                          Pair(KVTString("b"), KVTString("1"))));
+}
+
 // A stream whose buffer throws after some bytes.
 class BreakingBuffer : public std::stringbuf {
  public:
