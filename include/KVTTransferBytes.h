@@ -2,9 +2,9 @@
 /// Byte transports: one over a stdio stream, one over memory.
 ///
 /// Sizes, offsets and positions are bytes.  One object belongs to one thread at
-/// a time.  Failures come back as 0 and nothing more; operations of the memory
-/// transport let the allocator's exception through, and the object is then as
-/// it was before.
+/// a time.  Failures come back as 0 and nothing more.  Where memory runs out,
+/// the allocator's exception leaves the operation, and the object is then as it
+/// was before.
 
 #ifndef KVTTRANSFERBYTES_H
 #define KVTTRANSFERBYTES_H
