@@ -109,6 +109,44 @@ TEST_F(FileTransferBytesStdio, ReadOfWhatIsNotThereAsksStdioForNothing) {
   EXPECT_THAT(log.calls, testing::IsEmpty());
 }
 
+// Is there a file, is it a directory, is it empty: the answer number `turned`
+// is turned round.  The last one may take more than one look.
+TEST_F(FileTransferBytesStdio, ReadAsksTheDiskInOrderUpToTheFirstObstacle) {
+  KVTFileTransferBytes bytes(File(), "r");
+  std::size_t turned = 0;
+  std::size_t asked = 0;
+  hooks::Scoped hook(hooks::onStat, [&](const char* path, struct stat* status) {
+    EXPECT_EQ(path, mDirectory.Path("a"));
+    const int result = hooks::RealStat(path, status);
+    ++asked;
+    if (turned == 1 && asked == 1) return -1;
+    if (turned == 2 && asked == 2) status->st_mode = S_IFDIR;
+    if (turned == 3 && asked >= 3) status->st_size = 0;
+    return result;
+  });
+  StdioLog log;
+  for (turned = 1; turned <= 3; ++turned) {
+    asked = 0;
+    EXPECT_EQ(Read(bytes, 3), "");
+    if (turned < 3) {
+      EXPECT_EQ(asked, turned);
+    }
+  }
+  EXPECT_THAT(log.calls, testing::IsEmpty());
+  EXPECT_EQ(Read(bytes, 3), "abc");
+}
+
+TEST_F(FileTransferBytesStdio, WriteAsksTheDiskForADirectoryAlone) {
+  KVTFileTransferBytes bytes(File(), "r+");
+  int asked = 0;
+  hooks::Scoped hook(hooks::onStat, [&](const char* path, struct stat* status) {
+    ++asked;
+    return hooks::RealStat(path, status);
+  });
+  EXPECT_EQ(Write(bytes, "X"), 1u);
+  EXPECT_EQ(asked, 1);
+}
+
 TEST_F(FileTransferBytesStdio, WriteSeeksInPlace) {
   KVTFileTransferBytes bytes(File(), "r+");
   bytes.Seek(2, KVTSeekFromBeginning);

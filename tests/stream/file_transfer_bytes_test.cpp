@@ -3,11 +3,13 @@
 
 #include <csignal>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "KVTTransferBytes.h"
 #include "hooks.h"
+#include "open_descriptors.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -115,16 +117,12 @@ TEST_F(FileTransferBytes, ClosesTheStreamWithTheObject) {
 }
 
 TEST_F(FileTransferBytes, LeavesNoDescriptorBehind) {
-  const auto descriptors = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                         std::filesystem::directory_iterator());
-  };
-  const auto before = descriptors();
+  const std::size_t before = OpenDescriptors();
   {
     KVTFileTransferBytes bytes(WithContent("a", "abc"), "r");
-    EXPECT_EQ(descriptors(), before + 1);
+    EXPECT_EQ(OpenDescriptors(), before + 1);
   }
-  EXPECT_EQ(descriptors(), before);
+  EXPECT_EQ(OpenDescriptors(), before);
 }
 
 TEST_F(FileTransferBytesDeathTest, CrashesWhenDestroyedWithoutAStream) {
@@ -285,6 +283,8 @@ TEST_F(FileTransferBytes, AppendsInAppendMode) {
 TEST_F(FileTransferBytes, WritesNothingToAStreamForReading) {
   KVTFileTransferBytes bytes(WithContent("a", "abc"), "r");
   EXPECT_EQ(Write(bytes, "xyz"), 0u);
+  // The stream's error indicator is not asked for.
+  EXPECT_EQ(bytes.GetStreamState(), KVTStreamGood);
   bytes.SetEndOfStream();
   EXPECT_EQ(Read(bytes, 5), "abc");
   EXPECT_EQ(Content("a"), "abc");
@@ -347,6 +347,47 @@ TEST_F(FileTransferBytes, FlushBringsTheBytesToTheDisk) {
   bytes.Flush();
   EXPECT_EQ(Content("a"), "abc");
   EXPECT_EQ(bytes.Tell(), 3u);
+}
+
+TEST_F(FileTransferBytes, FlushWithoutAStreamLeavesOtherStreamsAlone) {
+  KVTFileTransferBytes other(mDirectory.File("a"), "w");
+  Write(other, "abc");
+  Undying(mDirectory.File("missing"), "r").Flush();
+  EXPECT_EQ(Content("a"), "");
+}
+
+TEST_F(FileTransferBytes, LetsTheAllocatorsExceptionThrough) {
+  const KVTFile file = WithContent("a", "abc");
+  KVTFileTransferBytes bytes(file, "r+");
+  bytes.Seek(1, KVTSeekFromBeginning);
+  {
+    hooks::FailingAllocator nothing(0);
+    char buffer[4] = "";
+    EXPECT_THROW(bytes.Read(buffer, 2), std::bad_alloc);
+    EXPECT_THROW(bytes.Write(buffer, 2), std::bad_alloc);
+    EXPECT_THROW(bytes.GetFile(), std::bad_alloc);
+    EXPECT_THROW(KVTFileTransferBytes(file, "r"), std::bad_alloc);
+  }
+  EXPECT_EQ(bytes.Tell(), 1u);
+  EXPECT_EQ(Read(bytes, 4), "bc");
+}
+
+TEST_F(FileTransferBytes, OpensNothingUnlessItsConstructorSucceeds) {
+  const KVTFile file = WithContent("a", "abc");
+  const std::size_t before = OpenDescriptors();
+  bool made = false;
+  std::size_t granted = 0;
+  for (; !made && granted < 100; ++granted) {
+    try {
+      hooks::FailingAllocator allocator(granted);
+      KVTFileTransferBytes bytes(file, "r");
+      made = true;
+    } catch (const std::bad_alloc&) {
+    }
+    EXPECT_EQ(OpenDescriptors(), before) << granted;
+  }
+  EXPECT_TRUE(made);
+  EXPECT_GT(granted, 1u);
 }
 
 TEST_F(FileTransferBytes, SetEndOfStreamCutsTheFileAtThePosition) {

@@ -204,6 +204,17 @@ TEST(MemoryTransferBytes, AsksFor32BitsOfTheSize) {
             8u);
 }
 
+// Eight bytes are there; more than 4 GiB are filled with zeros.
+TEST(MemoryTransferBytesDeathTest, ZeroesTheWholeSizeOfASmallerRequest) {
+#ifdef __SANITIZE_ADDRESS__
+  EXPECT_DEATH(KVTMemoryTransferBytes(nullptr, 4 * kGiB + 8),
+               "heap-buffer-overflow");
+#else
+  EXPECT_EXIT(KVTMemoryTransferBytes(nullptr, 4 * kGiB + 8),
+              testing::KilledBySignal(SIGSEGV), "");
+#endif
+}
+
 TEST(MemoryTransferBytesWrite, AsksFor32BitsOfTheSize) {
   KVTMemoryTransferBytes bytes(nullptr, 8);
   const auto write = [&bytes](unsigned long long size) {
