@@ -134,6 +134,15 @@ TEST_F(CopyDirectory, QuotesThePathsOfDirectories) {
   EXPECT_EQ(commands.All(), Texts{"mkdir -p \"" + Path("t/a b") + "\""});
 }
 
+TEST_F(CopyDirectory, TakesNamesAndPathsOfAnyText) {
+  fs::create_directories(Path("s\xC3\xA4/sub\xE2\x82\xAC"));
+  fs::create_directory(Path("t\xC3\xB6"));
+  WriteFile(Path("s\xC3\xA4/f\xC3\xBC"), "F");
+  EXPECT_TRUE(Copy("s\xC3\xA4", "t\xC3\xB6", false));
+  EXPECT_EQ(Tree(Path("t\xC3\xB6")), (Texts{"f\xC3\xBC", "sub\xE2\x82\xAC/"}));
+  EXPECT_EQ(ReadFile(Path("t\xC3\xB6/f\xC3\xBC")), "F");
+}
+
 TEST_F(CopyDirectory, WritesOverExistingFilesAsCopyFileDoes) {
   WriteFile(Path("t/a"), "old");
   EXPECT_TRUE(Copy("s", "t", false));
