@@ -44,13 +44,15 @@ class SmallDisk {
   std::string mFolder;
 };
 
-void WaitForSize(const std::string& path, std::size_t size) {
+// Waits until the file is there and `fits` says true of its size.
+template <class Predicate>
+void WaitForSize(const std::string& path, Predicate fits) {
   const auto deadline =
       std::chrono::steady_clock::now() + std::chrono::seconds(20);
   std::error_code missing;
   for (;;) {
     const auto now = std::filesystem::file_size(path, missing);
-    if (!missing && now >= size) return;
+    if (!missing && fits(now)) return;
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << path;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
@@ -60,19 +62,46 @@ TEST_F(BrokenTransfer, WhatCrossedBeforeTheServerDiedStaysAndCountsAsDone) {
   UseServer(kNoCaching);
   MakeFile(Local("source"), 200 * kMegabyte);
   std::filesystem::copy(Local("source"), OnServer("file"));
-  // Mounted first: the two threads then only read the library's table.
+  // Mounted first: the threads then only read the library's table.
   WriteFile(Local("small"), "x");
   ASSERT_EQ(Send(Local("small"), "//127.0.0.1/docs/small"), (Outcome{0, ""}));
+  WriteFile(Local("late"), "old");
 
-  auto fetch = std::async(std::launch::async, [&] {
+  // The copy to "late" moves nothing before the server is dead.
+  std::shared_future<void> isDead;
+  bool lateWasEmptied = false;
+  const hooks::Scoped waiting(hooks::onSendfile, [&](int to, int from,
+                                                     off_t* offset,
+                                                     std::size_t count) {
+    const std::string target =
+        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(to));
+    if (target == Local("late")) {
+      isDead.wait();
+      lateWasEmptied = std::filesystem::file_size(target) == 0;
+    }
+    return hooks::RealSendfile(to, from, offset, count);
+  });
+  std::future<Outcome> fetch;
+  std::future<Outcome> send;
+  std::future<Outcome> late;
+  // Goes before the others, so that none waits for ever.
+  std::promise<void> dead;
+  isDead = dead.get_future().share();
+  fetch = std::async(std::launch::async, [&] {
     return Send("//127.0.0.1/docs/file", Local("back"));
   });
-  auto send = std::async(std::launch::async, [&] {
+  send = std::async(std::launch::async, [&] {
     return Send(Local("source"), "//127.0.0.1/docs/new");
   });
-  WaitForSize(Local("back"), 8 * kMegabyte);
-  WaitForSize(OnServer("new"), 8 * kMegabyte);
+  late = std::async(std::launch::async, [&] {
+    return SendOnce("//127.0.0.1/docs/small", Local("late"));
+  });
+  const auto hasEnough = [](auto size) { return size >= 8 * kMegabyte; };
+  WaitForSize(Local("back"), hasEnough);
+  WaitForSize(OnServer("new"), hasEnough);
+  WaitForSize(Local("late"), [](auto size) { return size == 0; });
   KillServer();
+  dead.set_value();
 
   EXPECT_EQ(fetch.get(), (Outcome{0, ""}));
   EXPECT_EQ(send.get(), (Outcome{0, ""}));
@@ -80,6 +109,12 @@ TEST_F(BrokenTransfer, WhatCrossedBeforeTheServerDiedStaysAndCountsAsDone) {
   EXPECT_LT(std::filesystem::file_size(OnServer("new")), 200 * kMegabyte);
   EXPECT_TRUE(IsPrefixOf(Local("back"), Local("source")));
   EXPECT_TRUE(IsPrefixOf(OnServer("new"), Local("source")));
+
+  EXPECT_EQ(late.get(),
+            (Outcome{1, "Unable to copy file from /mnt/orbmountZ/small to " +
+                            Local("late")}));
+  EXPECT_TRUE(lateWasEmptied);
+  EXPECT_FALSE(std::filesystem::exists(Local("late")));
 }
 
 TEST_F(BrokenTransfer, ToAFullServerLeavesNoFile) {

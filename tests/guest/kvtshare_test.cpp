@@ -8,6 +8,9 @@
 
 namespace {
 
+constexpr char kSmb1Done[] =
+    "result: 0\ntext: Curl return code  0 , curl response code 0\n";
+
 class KvtshareInGuest : public GuestTest {
  protected:
   KvtshareInGuest() { WriteFile(Local("source"), "by kvtshare"); }
@@ -63,6 +66,31 @@ TEST_F(KvtshareInGuest, TellsWhenTheFileWentIntoALocalFolder) {
                 "kvtshare: //127.0.0.9/docs is not mounted: the library worked "
                 "in the local folder /mnt/orbmountZ\nresult: 0\n"}));
   EXPECT_EQ(ReadFile("/mnt/orbmountZ/file"), "by kvtshare");
+}
+
+TEST_F(KvtshareInGuest, SendsAndFetchesOverSmb1WithoutAMount) {
+  EXPECT_EQ(RunAsRoot({"send", "--smb1", Local("source"),
+                       R"(\\127.0.0.1\docs\file)"}),
+            (ProgramRun{0, kSmb1Done}));
+  EXPECT_EQ(ReadFile(OnServer("file")), "by kvtshare");
+  EXPECT_EQ(
+      RunAsRoot({"send", "--smb1", "//[::1]/docs/file", Local("deep/back")}),
+      (ProgramRun{0, kSmb1Done}));
+  EXPECT_EQ(ReadFile(Local("deep/back")), "by kvtshare");
+  EXPECT_TRUE(CifsMounts().empty());
+  EXPECT_FALSE(std::filesystem::exists(kFirstFolder));
+}
+
+TEST_F(KvtshareInGuest, ProbesOverSmb1AndLeavesTheDestinationAlone) {
+  WriteFile(OnServer("file"), "on the server");
+  std::filesystem::create_directory(Local("work"));
+  const WorkingDirectory work(Local("work"));
+  EXPECT_EQ(RunAsRoot({"send", "--smb1", "--probe", "//127.0.0.1/docs/file",
+                       Local("back")}),
+            (ProgramRun{0, kSmb1Done}));
+  EXPECT_FALSE(std::filesystem::exists(Local("back")));
+  EXPECT_EQ(ReadFile(Local("work/tempHandleWindowSMB1KVTShareFile")),
+            "on the server");
 }
 
 TEST_F(KvtshareInGuest, UnmountsOneFolder) {
