@@ -215,11 +215,37 @@ void ForEachText(const std::string& alphabet, std::size_t length, Check check) {
   }
 }
 
-TEST(KVTStringDecoding, AgreesWithTheModelOnEveryTextOfTwoBytes) {
+std::string EveryByte() {
   std::string all;
   for (int byte = 1; byte <= 0xFF; ++byte) all += static_cast<char>(byte);
+  return all;
+}
+
+TEST(KVTStringDecoding, AgreesWithTheModelOnEveryTextOfTwoBytes) {
   for (std::size_t length = 0; length <= 2; ++length) {
-    ForEachText(all, length, ExpectDecodesLikeTheModel);
+    ForEachText(EveryByte(), length, ExpectDecodesLikeTheModel);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(KVTStringDecoding, AgreesWithTheModelOnEverySequenceOfThreeBytes) {
+  for (int lead = 0xE0; lead <= 0xEF; ++lead) {
+    ForEachText(EveryByte(), 2, [lead](const std::string& rest) {
+      ExpectDecodesLikeTheModel(static_cast<char>(lead) + rest);
+    });
+    if (HasFatalFailure()) return;
+  }
+}
+
+// Two bytes of the three behind the lead go through all values at a time.
+TEST(KVTStringDecoding, AgreesWithTheModelOnSequencesOfFourBytes) {
+  for (int byte = 0xF0; byte <= 0xF7; ++byte) {
+    const std::string lead(1, static_cast<char>(byte));
+    ForEachText(EveryByte(), 2, [&lead](const std::string& pair) {
+      ExpectDecodesLikeTheModel(lead + pair + '\xAA');
+      ExpectDecodesLikeTheModel(lead + pair[0] + '\x95' + pair[1]);
+      ExpectDecodesLikeTheModel(lead + '\xAA' + pair);
+    });
     if (HasFatalFailure()) return;
   }
 }
