@@ -37,11 +37,10 @@ std::size_t AsciiRunLength(const unsigned short* units, std::size_t size) {
   return length;
 }
 
-// The number of bytes that the sequence led by `lead` takes, 1 for a byte that
-// leads none.  Callers rely on the continuation bytes 0x80 to 0xBF leading a
-// sequence of two.
+// The number of bytes that the sequence led by `lead` (0x80 and up) takes, 1
+// for a byte that leads none.  Callers rely on the continuation bytes 0x80 to
+// 0xBF leading a sequence of two.
 std::size_t SequenceLength(unsigned int lead) {
-  if (lead < 0x80) return 1;
   if (lead < 0xE0) return 2;
   if (lead < 0xF0) return 3;
   if (lead < 0xF8) return 4;
