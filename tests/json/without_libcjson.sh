@@ -31,6 +31,7 @@ run() {
   if [ "$(id -u)" = 0 ]; then
     chroot "$root" /program
   else
+    PATH=$PATH:/usr/sbin:/sbin
     unshare --map-root-user chroot "$root" /program
   fi
 }
