@@ -39,20 +39,18 @@ int main(int argc, char** argv) try {
       "A share location is written \\\\HOST\\SHARE\\PATH, //HOST/SHARE/PATH or "
       "smb://HOST/SHARE/PATH.");
   app.footer(
-      "The library's result is printed and is the exit status: 0 done, 1 "
-      "failed, "
-      "6 access refused.\nExit status 2: the command line or the password is "
-      "at "
-      "fault, nothing was done.");
+      "The library's result is printed and is the exit status:\n"
+      "0 done, 1 failed, 6 access refused.\n"
+      "Exit status 2: the command line or the password is at fault, nothing "
+      "was done.");
   app.require_subcommand(1);
   int result = 0;
 
   SendArguments send;
-  CLI::App* command =
-      app.add_subcommand("send",
-                         "Send a file to a share or fetch one, through a mount "
-                         "(needs root). Up to "
-                         "five attempts; the share stays mounted.");
+  CLI::App* command = app.add_subcommand(
+      "send",
+      "Send a file to a share or fetch one, through a mount (needs root). Up "
+      "to five attempts; the share stays mounted.");
   command->add_option("SOURCE", send.source, "Local file or share location")
       ->required();
   command
@@ -96,8 +94,8 @@ int main(int argc, char** argv) try {
   auto* allOption = command->add_flag(
       "--all", all,
       "Every share that /proc/mounts shows on /mnt/orbmountA to "
-      "/mnt/orbmountZ, "
-      "whichever process mounted it; result 1 if any of them stays");
+      "/mnt/orbmountZ, whichever process mounted it; result 1 if any of them "
+      "stays");
   allOption->excludes(folderOption);
   command->callback([&] {
     if (!all && folder.empty()) throw CLI::RequiredError("FOLDER or --all");
