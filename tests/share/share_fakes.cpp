@@ -17,7 +17,12 @@ namespace {
 
 class PrivateMounts : public testing::Environment {
  public:
-  void SetUp() override { EnterPrivateMounts(); }
+  // Managers unmount at their end, some of them behind TearDown: none may find
+  // the machine's own /mnt, whose mounts would go with their folders.
+  void SetUp() override {
+    EnterPrivateMounts();
+    CoverWithEmptyDirectory("/mnt");
+  }
 };
 
 const testing::Environment* const kPrivateMounts =
@@ -93,7 +98,6 @@ int FakeNames::Answer(const char* node, addrinfo** result) {
   *next = nullptr;
   for (const std::string& address : found->second) {
     *next = MakeNode(address);
-    mNodes.push_back(*next);
     if (next != result) mOurs.push_back(*next);
     next = &(*next)->ai_next;
   }

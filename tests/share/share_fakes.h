@@ -1,7 +1,8 @@
 /// What the tests of the share code put in the place of the kernel, the name
 /// service and the clock.
 ///
-/// The whole program runs with mounts of its own.
+/// The whole program runs with mounts of its own and never sees the machine's
+/// /mnt.
 
 #ifndef KVT_TESTS_SHARE_FAKES_H
 #define KVT_TESTS_SHARE_FAKES_H
@@ -69,16 +70,13 @@ class FakeNames {
 
   /// The names asked for, in order.
   const std::vector<std::string>& Asked() const { return mAsked; }
-  /// The nodes of all answers, in order; the first of each answer is released
-  /// by whoever asked, the others by this object.
-  const std::vector<addrinfo*>& Nodes() const { return mNodes; }
 
  private:
   int Answer(const char* node, addrinfo** result);
 
   Names mNames;
   std::vector<std::string> mAsked;
-  std::vector<addrinfo*> mNodes;
+  // The nodes behind the head of each answer, which whoever asked releases.
   std::vector<addrinfo*> mOurs;
   hooks::Scoped<decltype(hooks::onGetaddrinfo)> mHook;
 };
@@ -128,4 +126,5 @@ bool FolderExists(char letter);
 /// Mounts an empty file system with the device text `source` on `folder`, past
 /// any hook.
 void MountForReal(const std::string& source, const std::string& folder);
+
 #endif  // KVT_TESTS_SHARE_FAKES_H
