@@ -50,6 +50,12 @@ TEST(Authentication, CopiesAllFieldsEmptyOnesToo) {
   EXPECT_EQ(copy.GetUser(), "backup");
   EXPECT_FALSE(copy.IsPasswordSet());
   EXPECT_EQ(copy.GetDomain(), "CORP");
+
+  const KVTAuthentication full("backup", "secret", "CORP");
+  KVTAuthentication copyOfFull(full);
+  EXPECT_EQ(copyOfFull.GetUser(), "backup");
+  EXPECT_EQ(copyOfFull.GetPassword(), "secret");
+  EXPECT_EQ(copyOfFull.GetDomain(), "CORP");
 }
 
 TEST(Authentication, SettersAssignAndReturnZero) {

@@ -197,6 +197,17 @@ TEST_F(MountFolder, IsMadeWithTheUsualMode) {
   EXPECT_EQ(made.size(), 1u);
 }
 
+TEST_F(MountFolder, IsMadeWithMntWhereThatIsMissing) {
+  const TemporaryDirectory root;
+  EXPECT_EXIT(
+      {
+        if (chroot(root.Path().c_str()) != 0) _exit(9);
+        _exit(Choose(kDocs));
+      },
+      testing::ExitedWithCode(0), "");
+  EXPECT_TRUE(root.File("mnt/orbmountZ").Exists());
+}
+
 TEST_F(MountFolder, IsNotNamedWhenItCannotBeLookedAt) {
   MakeIdle('Z');
   int looked = 0;

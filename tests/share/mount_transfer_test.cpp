@@ -220,6 +220,22 @@ TEST_F(MountTransfer, KeepsTheMountsTextToItselfWhenSending) {
   EXPECT_EQ(mount.Calls().size(), 2u);
 }
 
+TEST_F(MountTransfer, GathersTheMountsTextsOfAllSends) {
+  // Each adds the remark to one text that nobody reads.  Nothing else asks for
+  // that much memory at once.
+  const FakeMount mount;
+  WriteFile(local.Path("a"), "content");
+  const hooks::FailingAllocator failing(0, 20000);
+  int result = 0;
+  int sends = 0;
+  for (; result == 0 && sends < 1000; ++sends) {
+    result = Send(local.Text("a"), "//10.0.0.5/docs/b");
+  }
+  EXPECT_EQ(result, 5);
+  EXPECT_EQ(failing.Refused(), 1u);
+  EXPECT_EQ(error, "");
+}
+
 TEST_F(MountTransfer, Returns5WithTheErrorAsItWasWhenSendingCannotMount) {
   WriteFile(local.Path("a"), "content");
   error = "earlier text";
@@ -278,6 +294,24 @@ TEST_F(MountTransfer, LeavesNoPartialFileOfASend) {
   EXPECT_FALSE(KVTFile("/mnt/orbmountZ/b").Exists());
 }
 
+// An old file that cannot be deleted is written over from its start, and keeps
+// what lies behind the end of the new one.
+TEST_F(MountTransfer, CopiesOverAFileThatStays) {
+  const FakeMount mount;
+  const hooks::Scoped failing(hooks::onRemove, [](const char*) {
+    errno = EPERM;
+    return -1;
+  });
+  WriteFile(local.Path("new"), "new");
+  WriteFile(local.Path("old"), "earlier");
+  PutOnShare("new", "new");
+  PutOnShare("old", "earlier");
+  EXPECT_EQ(Send(local.Text("new"), "//10.0.0.5/docs/old"), 0);
+  EXPECT_EQ(ReadFile(Remote("old")), "newlier");
+  EXPECT_EQ(Send("//10.0.0.5/docs/new", local.Text("old")), 0);
+  EXPECT_EQ(ReadFile(local.Path("old")), "newlier");
+}
+
 TEST_F(MountTransfer, LeavesTheShareMounted) {
   WriteFile(local.Path("a"), "content");
   const FakeMount mount;
@@ -304,6 +338,18 @@ TEST_F(MountTransfer, DeletesAFileWithEitherKindOfSlashes) {
     EXPECT_EQ(share.DeleteFileUsingMount(path, nullptr, error), 0) << path;
     EXPECT_FALSE(KVTFile("/mnt/orbmountZ/x/a").Exists()) << path;
   }
+}
+
+TEST_F(MountTransfer, TurnsBackslashesIntoSlashesBeforeItTakesALocationApart) {
+  PutOnShare("a", "content");
+  const FakeMount mount;
+  const KVTString location("/\\10.0.0.5\\docs\\a");
+  EXPECT_EQ(share.DeleteFileUsingMount(location, nullptr, error), 5);
+  EXPECT_EQ(error, location + " parsing network path Failed");
+  EXPECT_EQ(share.DeleteShareFile(location, nullptr, error), 0);
+  EXPECT_FALSE(KVTFile("/mnt/orbmountZ/a").Exists());
+  EXPECT_EQ(share.DeleteShareFile("\\\\\\", nullptr, error), 1);
+  EXPECT_EQ(error, "/// parsing network path Failed");
 }
 
 TEST_F(MountTransfer, Returns1WithoutATextForAMissingFile) {

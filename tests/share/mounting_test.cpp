@@ -135,6 +135,13 @@ TEST_F(Mounting, LeavesValuesUnquoted) {
             "pass=p=,\"' \xC3\xA9,vers=3.0");
 }
 
+TEST_F(Mounting, TurnsASlashInsideTheShareFolderIntoABackslash) {
+  // Two letters beyond ASCII make the share folder run on behind its separator.
+  EXPECT_EQ(Options("//fs1/\xC3\xA9t\xC3\xA9/abc", nullptr),
+            "unc=\\\\10.0.0.5\\\xC3\xA9t\xC3\xA9\\"
+            "a,ip=10.0.0.5,vers=3.0");
+}
+
 TEST_F(Mounting, LeavesAnIPv6AddressWithoutBrackets) {
   const FakeMount mount;
   EXPECT_EQ(Mount("\\\\[fe80::1]\\docs\\a\\b.txt"), 0);
@@ -376,6 +383,12 @@ TEST_F(Mounting, UsesAMountOfTheKernelsListWithoutANewEntry) {
   EXPECT_EQ(error, "\n//10.0.0.5/docs share location is already mounted.");
   EXPECT_TRUE(mount.Calls().empty());
   EXPECT_TRUE(manager.mMountedShares.empty());
+}
+
+TEST_F(Mounting, TurnsBackslashesOfTheKernelsFolderIntoSlashesToo) {
+  const FakeMountList list("//10.0.0.5/docs /mnt/my\\040folder cifs rw 0 0\n");
+  EXPECT_EQ(Mount("\\\\10.0.0.5\\docs\\a"), 0);
+  EXPECT_EQ(path, "/mnt/my/040folder/a");
 }
 
 TEST_F(Mounting, EntersAShareMountedOnAFolderThatStoodIdle) {
