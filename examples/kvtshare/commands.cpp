@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
 
 #include "KVTAuthentication.h"
 #include "KVTFile.h"
@@ -57,6 +59,12 @@ void WarnOfLocalFolders(int result) {
                 << path << "\n";
     }
   }
+}
+
+// However they are written: with a separator at the end, relative, by a link.
+bool IsSameFolder(const std::string& a, const std::string& b) {
+  std::error_code cannotLook;
+  return a == b || std::filesystem::equivalent(a, b, cannotLook);
 }
 
 bool CurlSpeaksSmb() {
@@ -130,7 +138,7 @@ int Unmount(const std::string& folder) {
   // After unmounting, the library removes the files that it finds in the
   // folder: with a share below, those would be the server's.
   for (const CifsMount& mount : ListMounts()) {
-    if (mount.folder == folder && mount.layers > 1) {
+    if (mount.layers > 1 && IsSameFolder(mount.folder, folder)) {
       std::cerr << "kvtshare: " << folder << " is left alone: " << mount.layers
                 << " file systems lie on it\n";
       return KVTErrorCodeFailure;

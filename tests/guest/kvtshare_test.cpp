@@ -122,6 +122,10 @@ TEST_F(KvtshareInGuest, LeavesAFolderAloneOnWhichMoreThanAShareLies) {
       "kvtshare: /mnt/orbmountZ is left alone: 2 file systems lie on it\n";
 
   EXPECT_EQ(Run({"unmount", kFirstFolder}), (ProgramRun{1, refusal}));
+  EXPECT_EQ(Run({"unmount", "/mnt/orbmountZ/"}),
+            (ProgramRun{1,
+                        "kvtshare: /mnt/orbmountZ/ is left alone: 2 file "
+                        "systems lie on it\n"}));
   EXPECT_EQ(Run({"unmount", "--all"}),
             (ProgramRun{1, "/mnt/orbmountZ (//127.0.0.1/docs)\n" + refusal}));
   EXPECT_EQ(CifsMounts().size(), 1U);
