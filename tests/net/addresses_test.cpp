@@ -147,40 +147,25 @@ TEST(AddressType, CountsBytesAndNotUnits) {
 
 // --- Against models, over every short text
 
-template <class Check>
-void ForEveryText(const std::string& alphabet, std::size_t maxLength,
-                  Check check) {
-  std::vector<std::string> level = {""};
-  for (std::size_t length = 0; length <= maxLength; ++length) {
-    std::vector<std::string> next;
-    for (const std::string& text : level) {
-      check(text);
-      if (length == maxLength) continue;
-      for (const char c : alphabet) next.push_back(text + c);
-    }
-    level.swap(next);
-  }
-}
-
 TEST(AddressModel, AgreesOnEveryShortTextOfAnIPV4Alphabet) {
-  ForEveryText("02a.", 8, [](const std::string& text) {
+  for (const std::string& text : AllTexts("02a.", 8)) {
     const KVTString wide = FromUtf8(text);
     ASSERT_EQ(KVTFileUtil::IsValidIPV4Address(wide), ModelIPV4Address(text))
         << text;
     ASSERT_EQ(KVTFileUtil::GetAddressType(wide), ModelAddressType(text))
         << text;
-  });
+  }
 }
 
 TEST(AddressModel, AgreesOnEveryShortTextOfAHostNameAlphabet) {
-  ForEveryText("1a.:-(", 6, [](const std::string& text) {
+  for (const std::string& text : AllTexts("1a.:-(", 6)) {
     const KVTString wide = FromUtf8(text);
     ASSERT_EQ(KVTFileUtil::IsValidHostNameAddress(wide), ModelHostName(text))
         << text;
     ASSERT_EQ(KVTFileUtil::GetAddressType(wide), ModelAddressType(text))
         << text;
     ASSERT_EQ(KVTFileUtil::MaskIP(wide), FromUtf8(ModelMask(text))) << text;
-  });
+  }
 }
 
 TEST(AddressModel, AgreesOnRandomAddresses) {

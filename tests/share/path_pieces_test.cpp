@@ -79,19 +79,6 @@ TEST(PathPiece, MayReplaceThePathItWasCutFrom) {
   EXPECT_EQ(text, "host/share");
 }
 
-std::vector<std::string> AllTextsUpTo(std::size_t length) {
-  std::vector<std::string> all = {""};
-  for (std::size_t from = 0, n = 0; n < length; ++n) {
-    const std::size_t to = all.size();
-    for (; from < to; ++from) {
-      for (const char c : {'a', '.', '1', '/', '\\', ':'}) {
-        all.push_back(all[from] + c);
-      }
-    }
-  }
-  return all;
-}
-
 std::string Strip(std::string text, char c) {
   while (!text.empty() && text.front() == c) text.erase(0, 1);
   while (!text.empty() && text.back() == c) text.pop_back();
@@ -100,7 +87,7 @@ std::string Strip(std::string text, char c) {
 
 TEST(PathPiece, AgreesWithItsModelOnAllShortTexts) {
   KVTShareFileInternal paths;
-  for (const std::string& path : AllTextsUpTo(6)) {
+  for (const std::string& path : AllTexts("a.1/\\:", 6)) {
     std::string parent = kUntouched;
     if (!path.empty()) {
       const bool windows = path.find('\\') != std::string::npos;

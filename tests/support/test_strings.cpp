@@ -21,6 +21,19 @@ std::vector<KVTString> FromUtf8(std::initializer_list<const char*> texts) {
   return std::vector<KVTString>(texts.begin(), texts.end());
 }
 
+std::vector<std::string> AllTexts(const std::string& alphabet,
+                                  std::size_t longest) {
+  std::vector<std::string> texts = {""};
+  std::size_t first = 0;
+  for (std::size_t length = 1; length <= longest; ++length) {
+    const std::size_t end = texts.size();
+    for (; first < end; ++first) {
+      for (const char next : alphabet) texts.push_back(texts[first] + next);
+    }
+  }
+  return texts;
+}
+
 Units RandomUnits(std::mt19937& random, std::size_t maxLength, bool withZero) {
   static const unsigned short kEdges[] = {0x7F,   0x80,   0x7FE,  0x7FF,
                                           0x800,  0xD7FF, 0xD800, 0xDBFF,

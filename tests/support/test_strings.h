@@ -14,6 +14,9 @@
 
 using Units = std::basic_string<unsigned short>;
 
+/// "a", a zero unit, "b"; as the base string, so that nothing cuts it early.
+inline const Units kWithZero{0x61, 0, 0x62};
+
 /// Keeps zero units, which the copy constructor would cut: assign the result
 /// or take it by reference.
 KVTString FromUnits(const std::vector<unsigned short>& units);
@@ -24,6 +27,11 @@ KVTString FromUtf8(const std::string& bytes);
 KVTString Repeat(const std::string& text, std::size_t count);
 
 std::vector<KVTString> FromUtf8(std::initializer_list<const char*> texts);
+
+/// Every text over `alphabet` of at most `longest` characters, the shortest
+/// first.
+std::vector<std::string> AllTexts(const std::string& alphabet,
+                                  std::size_t longest);
 
 /// Random units up to `maxLength` of them: ASCII, surrogates and the edges of
 /// the encoding come often; zero units only where `withZero`.

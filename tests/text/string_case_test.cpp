@@ -16,9 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 
-// "a", a zero unit, "b"; as the base string, so that nothing cuts it early.
-const Units kWithZero{0x61, 0, 0x62};
-
 // --- Comparison without case
 
 TEST(KVTStringCompareOS, IsTrueForEqualTextInSpiteOfCase) {

@@ -197,24 +197,6 @@ void ExpectDecodesLikeTheModel(const std::string& bytes) {
   ASSERT_EQ(FromUtf8(bytes), KVTString(ModelDecodeUtf8(bytes))) << Hex(bytes);
 }
 
-// Calls `check` with every text over `alphabet` of exactly `length` bytes.
-template <class Check>
-void ForEachText(const std::string& alphabet, std::size_t length, Check check) {
-  std::vector<std::size_t> digits(length, 0);
-  std::string text(length, alphabet[0]);
-  while (true) {
-    check(text);
-    std::size_t place = 0;
-    while (place < length && ++digits[place] == alphabet.size()) {
-      digits[place] = 0;
-      text[place] = alphabet[0];
-      ++place;
-    }
-    if (place == length) return;
-    text[place] = alphabet[digits[place]];
-  }
-}
-
 std::string EveryByte() {
   std::string all;
   for (int byte = 1; byte <= 0xFF; ++byte) all += static_cast<char>(byte);
@@ -222,31 +204,35 @@ std::string EveryByte() {
 }
 
 TEST(KVTStringDecoding, AgreesWithTheModelOnEveryTextOfTwoBytes) {
-  for (std::size_t length = 0; length <= 2; ++length) {
-    ForEachText(EveryByte(), length, ExpectDecodesLikeTheModel);
+  for (const std::string& text : AllTexts(EveryByte(), 2)) {
+    ExpectDecodesLikeTheModel(text);
     if (HasFatalFailure()) return;
   }
 }
 
 TEST(KVTStringDecoding, AgreesWithTheModelOnEverySequenceOfThreeBytes) {
+  const std::vector<std::string> behind = AllTexts(EveryByte(), 2);
   for (int lead = 0xE0; lead <= 0xEF; ++lead) {
-    ForEachText(EveryByte(), 2, [lead](const std::string& rest) {
+    for (const std::string& rest : behind) {
       ExpectDecodesLikeTheModel(static_cast<char>(lead) + rest);
-    });
-    if (HasFatalFailure()) return;
+      if (HasFatalFailure()) return;
+    }
   }
 }
 
 // Two bytes of the three behind the lead go through all values at a time.
 TEST(KVTStringDecoding, AgreesWithTheModelOnSequencesOfFourBytes) {
+  const std::string bytes = EveryByte();
   for (int byte = 0xF0; byte <= 0xF7; ++byte) {
     const std::string lead(1, static_cast<char>(byte));
-    ForEachText(EveryByte(), 2, [&lead](const std::string& pair) {
-      ExpectDecodesLikeTheModel(lead + pair + '\xAA');
-      ExpectDecodesLikeTheModel(lead + pair[0] + '\x95' + pair[1]);
-      ExpectDecodesLikeTheModel(lead + '\xAA' + pair);
-    });
-    if (HasFatalFailure()) return;
+    for (const char a : bytes) {
+      for (const char b : bytes) {
+        ExpectDecodesLikeTheModel(lead + a + b + '\xAA');
+        ExpectDecodesLikeTheModel(lead + a + '\x95' + b);
+        ExpectDecodesLikeTheModel(lead + '\xAA' + a + b);
+        if (HasFatalFailure()) return;
+      }
+    }
   }
 }
 
@@ -254,8 +240,8 @@ TEST(KVTStringDecoding, AgreesWithTheModelOnTextsOfFourBytesAtTheEdges) {
   const std::string edges =
       "\x01Pz\x7F\x80\x81\x8F\x90\xA0\xBF\xC0\xC1\xC3\xDF\xE0\xE2\xED\xEF"
       "\xF0\xF1\xF4\xF5\xF7\xF8\xFE\xFF";
-  for (std::size_t length = 3; length <= 4; ++length) {
-    ForEachText(edges, length, ExpectDecodesLikeTheModel);
+  for (const std::string& text : AllTexts(edges, 4)) {
+    ExpectDecodesLikeTheModel(text);
     if (HasFatalFailure()) return;
   }
 }

@@ -19,9 +19,6 @@ using testing::ElementsAre;
 constexpr auto kNarrow = KVTString::KVTCharEncodingNarrow;
 constexpr auto kUtf8 = KVTString::KVTCharEncodingUTF8;
 
-// "a", a zero unit, "b"; as the base string, so that nothing cuts it early.
-const Units kWithZero{0x61, 0, 0x62};
-
 // --- The class
 
 TEST(KVTStringClass, StandsOnTheStringTemplateAndAddsOnlyAVirtualDestructor) {

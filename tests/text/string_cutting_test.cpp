@@ -13,9 +13,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// "a", a zero unit, "b"; as the base string, so that nothing cuts it early.
-const Units kWithZero{0x61, 0, 0x62};
-
 // --- SubString
 
 struct SubStringCase {

@@ -12,20 +12,6 @@
 
 namespace {
 
-// Every text over `alphabet` of at most `longest` characters.
-std::vector<std::string> AllTexts(const std::string& alphabet,
-                                  std::size_t longest) {
-  std::vector<std::string> texts = {""};
-  std::size_t first = 0;
-  for (std::size_t length = 1; length <= longest; ++length) {
-    const std::size_t end = texts.size();
-    for (; first < end; ++first) {
-      for (const char next : alphabet) texts.push_back(texts[first] + next);
-    }
-  }
-  return texts;
-}
-
 std::vector<KVTString> Decoded(const std::vector<std::string>& texts) {
   std::vector<KVTString> decoded;
   for (const std::string& text : texts) decoded.push_back(FromUtf8(text));

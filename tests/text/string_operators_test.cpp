@@ -16,9 +16,6 @@ using testing::ElementsAre;
 const char* const kNull = nullptr;
 const wchar_t* const kWideNull = nullptr;
 
-// "a", a zero unit, "b"; as the base string, so that nothing cuts it early.
-const Units kWithZero{0x61, 0, 0x62};
-
 // --- Comparison
 
 TEST(KVTStringEquality, ComparesNarrowTextAfterDecodingIt) {
