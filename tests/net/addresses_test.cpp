@@ -138,13 +138,6 @@ TEST(HostName, RefusesEachPunctuationCharacterAndNoOtherOfAscii) {
   }
 }
 
-// The four bytes are those of the UTF-8 form: two letters of two bytes each put
-// the dot out of reach although it is the third unit.
-TEST(AddressType, CountsBytesAndNotUnits) {
-  EXPECT_EQ(KVTFileUtil::GetAddressType(FromUtf8("a.b.c.d")), 0);
-  EXPECT_EQ(KVTFileUtil::GetAddressType(FromUtf8("\xC3\xA9\xC3\xA9.b:::")), 2);
-}
-
 // --- Against models, over every short text
 
 TEST(AddressModel, AgreesOnEveryShortTextOfAnIPV4Alphabet) {
