@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "KVTString.h"
+#include "hooks.h"
 #include "test_strings.h"
 
 namespace {
@@ -39,6 +42,11 @@ TEST(KVTStringSpecialCharacters, AreFoundAnywhere) {
   EXPECT_FALSE(KVTString().ContainsSpecialCharacters());
 }
 
+TEST(KVTStringSpecialCharacters, AreFoundBehindAZeroUnit) {
+  EXPECT_TRUE(KVTString(Units{0x61, 0, '/'}).ContainsSpecialCharacters());
+  EXPECT_FALSE(KVTString(Units{0x61, 0, 0x62}).ContainsSpecialCharacters());
+}
+
 TEST(KVTStringFileName, RefusesExactlyTenCharacters) {
   EXPECT_EQ(sizeof kFileName - 1, 10u);
   ForEachUnit(kFileName, [](const KVTString& unit, bool refused) {
@@ -54,6 +62,11 @@ TEST(KVTStringFileName, RefusesTheEmptyTextAndThoseCharactersAnywhere) {
   EXPECT_TRUE(KVTString("report (1).txt").IsPermissableFileName());
   EXPECT_TRUE(KVTString(" ").IsPermissableFileName());
   EXPECT_TRUE(KVTString("..").IsPermissableFileName());
+}
+
+TEST(KVTStringFileName, IsRefusedForACharacterBehindAZeroUnit) {
+  EXPECT_FALSE(KVTString(Units{0x61, 0, '/'}).IsPermissableFileName());
+  EXPECT_TRUE(KVTString(Units{0, 0x61}).IsPermissableFileName());
 }
 
 TEST(KVTStringFileName, ListsTheRefusedCharactersInItsOwnOrder) {
@@ -93,6 +106,16 @@ TEST(KVTStringOnlyAlphabets, NeedsEveryUnitToBeOne) {
   EXPECT_FALSE(KVTString("\xC3\xA9").ContainsOnlyAlphabets());
   EXPECT_FALSE(KVTString("abc1").ContainsOnlyAlphabets());
   EXPECT_FALSE(KVTString("a b").ContainsOnlyAlphabets());
+}
+
+TEST(KVTStringOnlyAlphabets, PassesEachUnitToToupperAsItStands) {
+  std::vector<int> seen;
+  const hooks::Scoped upper(hooks::onToupper, [&seen](int character) {
+    seen.push_back(character);
+    return 'A';
+  });
+  EXPECT_TRUE(FromUnits({0x61, 0xE9, 0xFFFF}).ContainsOnlyAlphabets());
+  EXPECT_THAT(seen, ElementsAre(0x61, 0xE9, 0xFFFF));
 }
 
 TEST(KVTStringOnlyAlphabets, LooksAtTheTextUpToAZeroUnit) {

@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <stdexcept>
+#include <utility>
 
 #include "KVTString.h"
 #include "test_strings.h"
@@ -232,6 +233,15 @@ TEST(KVTStringJoin, GivesAnElementAloneAsItIsAndNothingForNone) {
   EXPECT_EQ(KVTString::GetStringFromVector({}, "-"), "");
 }
 
+TEST(KVTStringJoin, KeepsZeroUnitsThatNoCopyHasCut) {
+  std::vector<KVTString> parts(2);
+  parts[0] = KVTString(kWithZero);
+  parts[1] = KVTString(kWithZero);
+  EXPECT_THAT(KVTString::GetStringFromVector(std::move(parts),
+                                             KVTString(Units{0x2D, 0})),
+              ElementsAre(0x61, 0, 0x62, 0x2D, 0, 0x61, 0, 0x62));
+}
+
 // --- ListCombinationsOfString
 
 std::vector<KVTString> Combinations(const KVTString& text, unsigned size) {
@@ -253,6 +263,13 @@ TEST(KVTStringCombinations, ListEachSelectionInOrderOfPosition) {
 TEST(KVTStringCombinations, AreNoneWhereTooFewCharactersRemain) {
   EXPECT_THAT(Combinations("abc", 4), IsEmpty());
   EXPECT_THAT(Combinations("", 1), IsEmpty());
+}
+
+TEST(KVTStringCombinations, AreNoneWhereTheStartIsBeyondTheEnd) {
+  std::vector<KVTString> out;
+  char buffer[] = "?";
+  KVTString("abc").ListCombinationsOfString(buffer, 2, 0, 0, 1, out);
+  EXPECT_THAT(out, IsEmpty());
 }
 
 TEST(KVTStringCombinations, OfNoCharactersAreOneEmptyText) {
