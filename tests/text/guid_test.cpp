@@ -165,6 +165,11 @@ const TextCase kTextCases[] = {
      "00112233-4455-6677-8899-00bbccddeeff"},
     {"BlankAndDigit", "00112233-4455-6677-8899- 1bbccddeeff",
      "00112233-4455-6677-8899-01bbccddeeff"},
+    // A sign behind a digit is left over and read in front of the next pair.
+    {"PlusBehindADigit", "00112233-4455-6677-8899-a+1bccddeeff",
+     "00112233-4455-6677-8899-0a1bccddeeff"},
+    {"PlusBeforeADigit", "00112233-4455-6677-8899-+1bbccddeeff",
+     "00112233-4455-6677-8899-01bbccddeeff"},
     {"TwoByteCharacterMakesTheTailTooLong",
      "00112233-4455-6677-8899-aabbccddeef\xC3\xA9", kAllZero},
     {"TwoByteCharacterInAShortTail",

@@ -202,6 +202,16 @@ TEST(KVTStringMemory, RunsOutWithTheStandardException) {
   EXPECT_EQ(changed, "before");
 }
 
+TEST(KVTStringMemory, IsTakenOnceForNarrowBytes) {
+  const std::string bytes(100, 'a');
+  const hooks::FailingAllocator allocator(1);
+  EXPECT_EQ(KVTString(bytes.c_str(), kNarrow).size(), 100u);
+}
+
+TEST(KVTStringMemory, IsReservedForTwoBytesAUnitOfTheUtf8Form) {
+  EXPECT_GE(Repeat("a", 100).GetUTF8String().capacity(), 200u);
+}
+
 // --- Conversions and queries
 
 TEST(KVTStringQueries, GiveAllOnesForNoPosition) {

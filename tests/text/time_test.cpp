@@ -102,12 +102,13 @@ TEST(KVTTimeValue, ComparesAsAnUnsignedNumber) {
 }
 
 TEST(KVTTimeValue, TakesTheCurrentTimeFromTheClock) {
+  constexpr time_t kBeyond32Bits = 0x123456789;
   bool calledWithNull = false;
   const hooks::Scoped hook(hooks::onTime, [&calledWithNull](time_t* out) {
     calledWithNull = out == nullptr;
-    return time_t{kSaturdayAfternoon};
+    return kBeyond32Bits;
   });
-  EXPECT_EQ(KVTTime::CurrentTime(), kSaturdayAfternoon);
+  EXPECT_EQ(KVTTime::CurrentTime(), 0x123456789u);
   EXPECT_TRUE(calledWithNull);
 }
 
