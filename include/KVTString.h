@@ -293,9 +293,11 @@ class KVT_EXPORT KVTString
   /// five parts, or the last two have more than 16 bytes together.
   ///
   /// More lenient than KVTFileUtil::isGUIDValid: the lengths of the parts are
-  /// not looked at otherwise, and from the first character of the last two that
-  /// is not hexadecimal on, all bytes are zero, but for a digit in front of it
-  /// in its pair.
+  /// not looked at otherwise.  Each two characters of the last two parts are
+  /// read as a hexadecimal `std::istream >> unsigned int` does, behind what the
+  /// reads before have left over: blanks, a sign and "0x" may stand in front of
+  /// digits, and from a character that cannot be read on, all bytes are zero,
+  /// but for a digit in front of it in its pair.
   static KVTGUID GetGUID(KVTString text);
 };
 
