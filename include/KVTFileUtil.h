@@ -222,9 +222,9 @@ class KVT_EXPORT KVTFileUtil {
 
   /// Tells whether `block` can stand between the dots of an IPv4 address: one
   /// to three bytes, each alphanumeric by isalnum(3) in the current locale, no
-  /// leading "0" before further bytes, and at most 255 when each byte counts
-  /// its code less 48.  Callers rely on letters passing: "z", "1a" and "AZ" are
-  /// valid, "zz" (814) is not.
+  /// leading "0" before further bytes, and a decimal value of at most 255 in
+  /// which each byte counts its code less 48.  Callers rely on letters passing:
+  /// "z", "1a" and "AZ" (212) are valid, "zz" (814) is not.
   static bool IsValidIPV4Block(std::string block);
 
   /// Tells whether `block` is empty or one to four hexadecimal digits.
