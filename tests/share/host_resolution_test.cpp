@@ -58,8 +58,8 @@ TEST(ResolveHostAddress, LooksUpThreeUnits) {
 
 TEST(ResolveHostAddress, KeepsAnAddressAsItIsWrittenAndAsksNobody) {
   const FakeNames names({});
-  for (const char* address :
-       {"10.0.0.5", "::1", "FE80::0001", "::ffff:10.0.0.5", "a.b.c.d"}) {
+  for (const char* address : {"10.0.0.5", "::1", "FE80::0001",
+                              "::ffff:10.0.0.5", "::1.2.3.4", "a.b.c.d"}) {
     const Resolved resolved = Resolve(address);
     EXPECT_EQ(resolved.result, 0) << address;
     EXPECT_EQ(resolved.address, address);

@@ -266,7 +266,17 @@ TEST_F(MountTransfer, MountsAndDeletesBeforeItMissesTheSource) {
   PutOnShare("b", "old");
   error = "earlier text";
   const FakeMount mount;
+  int looked = 0;
+  const hooks::Scoped looking(
+      hooks::onStat, [&](const char* path, struct stat* status) {
+        if (path == local.Path("missing")) {
+          ++looked;
+          EXPECT_NE(access(Remote("b").c_str(), F_OK), 0);
+        }
+        return hooks::RealStat(path, status);
+      });
   EXPECT_EQ(Send(local.Text("missing"), "//10.0.0.5/docs/b"), 1);
+  EXPECT_GT(looked, 0);
   EXPECT_EQ(mount.Calls().size(), 1u);
   EXPECT_FALSE(KVTFile("/mnt/orbmountZ/b").Exists());
   EXPECT_EQ(error, "Unable to copy file from " + local.Text("missing") +

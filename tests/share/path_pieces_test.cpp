@@ -38,6 +38,7 @@ const Pieces kPieces[] = {
     {"BackslashThenSlash", "a\\b/c", "a", 0, "c", 0},
     {"IPv4AtTheEnd", "\\\\host\\10.0.0.1", "host", 0, "", 1},
     {"IPv6AtTheEnd", "//host/fe80::1", "host", 0, "", 1},
+    {"IPv6WithDotsAtTheEnd", "//host/::1.2.3.4", "host", 0, "", 1},
     {"BareAddress", "10.1.2.3", "", 1, "", 1},
     {"BareIPv6Address", "::1", "", 1, "", 1},
     {"SlashAtTheEnd", "//host/share/", "host", 0, "", 1},
@@ -77,6 +78,16 @@ TEST(PathPiece, MayReplaceThePathItWasCutFrom) {
   text = "//host/share/f.txt";
   EXPECT_EQ(paths.GetParentPath(text, text), 0);
   EXPECT_EQ(text, "host/share");
+}
+
+TEST(PathPiece, OfAParentEndsAtAZeroUnitAndOfANameDoesNot) {
+  // The parent is cut from a copy, and a copy ends there.
+  KVTShareFileInternal paths;
+  KVTString piece;
+  EXPECT_EQ(paths.GetParentPath(FromUnits({'a', '/', 'b', 0, '\\'}), piece), 0);
+  EXPECT_EQ(piece, "a");
+  EXPECT_EQ(paths.GetFileName(FromUnits({'a', '/', 'b', 0, 'c'}), piece), 0);
+  EXPECT_EQ(piece, FromUnits({'b', 0, 'c'}));
 }
 
 std::string Strip(std::string text, char c) {

@@ -86,6 +86,24 @@ TEST_F(SendFile, TakesBackslashesForSeparatorsOnBothSides) {
   EXPECT_EQ(mount.Calls().size(), 1u);
 }
 
+TEST_F(SendFile, TakesTheCredentialsOfTheShareItself) {
+  MakeIdle();
+  WriteFile(Remote("a"), "content");
+  KVTAuthentication source("reader", "");
+  KVTAuthentication destination("writer", "");
+  const FakeMount mount;
+  EXPECT_EQ(share.SendFile("//10.0.0.5/docs/a", &source, local.Text("a"),
+                           &destination, error),
+            0);
+  EXPECT_EQ(share.SendFile(local.Text("a"), &source, "//10.0.0.6/docs/b",
+                           &destination, error),
+            0);
+  const std::vector<std::string> expected = {
+      "unc=\\\\10.0.0.5\\docs,ip=10.0.0.5,domain=.,user=reader,vers=3.0",
+      "unc=\\\\10.0.0.6\\docs,ip=10.0.0.6,domain=.,user=writer,vers=3.0"};
+  EXPECT_EQ(mount.Data(), expected);
+}
+
 TEST_F(SendFile, SucceedsAtTheThirdAttempt) {
   MakeIdle();
   WriteFile(Remote("b"), "content");
