@@ -56,6 +56,7 @@ extern std::function<size_t(char* out, size_t size, const char* format,
                             const tm* fields)>
     onStrftime;
 extern std::function<int(int character)> onIsalnum;
+extern std::function<int(int character)> onIsxdigit;
 /// `mode` is 0 where `flags` hold no O_CREAT.
 extern std::function<int(const char* path, int flags, mode_t mode)> onOpen;
 extern std::function<DIR*(const char* path)> onOpendir;

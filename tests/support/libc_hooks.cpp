@@ -32,6 +32,7 @@ decltype(onToupper) onToupper;
 decltype(onTolower) onTolower;
 decltype(onStrftime) onStrftime;
 decltype(onIsalnum) onIsalnum;
+decltype(onIsxdigit) onIsxdigit;
 decltype(onOpen) onOpen;
 decltype(onOpendir) onOpendir;
 decltype(onSendfile) onSendfile;
@@ -257,6 +258,12 @@ size_t strftime(char* out, size_t size, const char* format,
 int isalnum(int character) noexcept {
   if (hooks::onIsalnum) return hooks::onIsalnum(character);
   static const auto real = hooks::Next<int(int)>("isalnum");
+  return real(character);
+}
+
+int isxdigit(int character) noexcept {
+  if (hooks::onIsxdigit) return hooks::onIsxdigit(character);
+  static const auto real = hooks::Next<int(int)>("isxdigit");
   return real(character);
 }
 

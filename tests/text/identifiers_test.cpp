@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string_view>
 #include <unordered_set>
 
@@ -77,6 +78,21 @@ TEST(IsGUIDValid, TakesExactlyTheDashOrTheHexadecimalDigitsAtEachPosition) {
       }
     }
   }
+}
+
+TEST(IsGUIDValid, AsksIsxdigitAboutTheSignExtendedLowByte) {
+  KVTString text(kValid);
+  text[0] = 0x41E9;
+  text[35] = 0x80;
+  std::set<int> asked;
+  const hooks::Scoped hook(hooks::onIsxdigit, [&asked](int character) {
+    asked.insert(character);
+    return 1;
+  });
+  EXPECT_TRUE(KVTFileUtil::isGUIDValid(text));
+  EXPECT_EQ(asked,
+            (std::set<int>{-128, -23, '0', '1', '2', '3', '4', '5', '6', '7',
+                           '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'}));
 }
 
 TEST(IsGUIDValid, RefusesAZeroLowByte) {
