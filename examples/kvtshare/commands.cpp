@@ -43,8 +43,9 @@ std::unique_ptr<KVTAuthentication> MakeAuthentication(
 }
 
 // A folder that the library handed out may have nothing mounted on it, when the
-// server could not be reached: the library then goes on in the local folder,
-// and its result may be success.  Whoever reads the result is told.
+// server could not be reached: from the second attempt on, a send goes on in
+// the local folder, and its result may be success.  Whoever reads the result is
+// told.
 void WarnOfLocalFolders(int result) {
   if (result == KVTErrorCodeAccessDenied) return;
   const std::vector<CifsMount> mounts = ListMounts();
@@ -118,7 +119,6 @@ int Delete(const std::string& location, const Credentials& credentials) {
   KVTString error;
   const int result = KVTShareFile::Instance()->DeleteShareFile(
       Text(location), auth.get(), error);
-  WarnOfLocalFolders(result);
   return Report(result, error);
 }
 

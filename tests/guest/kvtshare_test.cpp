@@ -68,6 +68,16 @@ TEST_F(KvtshareInGuest, TellsWhenTheFileWentIntoALocalFolder) {
   EXPECT_EQ(ReadFile("/mnt/orbmountZ/file"), "by kvtshare");
 }
 
+TEST_F(KvtshareInGuest, ShowsTheReportsOfADeleteThatCannotMount) {
+  const std::string share = "//127.0.0.9/docs";
+  EXPECT_EQ(
+      RunAsRoot({"delete", "//127.0.0.9/docs/file"}),
+      (ProgramRun{
+          1, "result: 1\ntext: " + Report("smb3", 111, share, kFirstFolder) +
+                 "\n" + Report("smb2", 111, share, kFirstFolder) + "\n" +
+                 Report("smb1", 111, share, kFirstFolder) + "\n"}));
+}
+
 TEST_F(KvtshareInGuest, SendsAndFetchesOverSmb1WithoutAMount) {
   EXPECT_EQ(RunAsRoot({"send", "--smb1", Local("source"),
                        R"(\\127.0.0.1\docs\file)"}),
@@ -114,9 +124,23 @@ TEST_F(KvtshareInGuest, UnmountsEveryShareWhicheverProcessMountedIt) {
   EXPECT_EQ(Run({"unmount", "--all"}), (ProgramRun{0, ""}));
 }
 
+TEST_F(KvtshareInGuest, LeavesMountsElsewhereAloneWhenItUnmountsAll) {
+  ASSERT_EQ(
+      RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}).status, 0);
+  constexpr char kElsewhere[] = "/mnt/orbmounta";
+  std::filesystem::create_directory(kElsewhere);
+  ASSERT_EQ(mount(kFirstFolder, kElsewhere, nullptr, MS_BIND, nullptr), 0);
+  EXPECT_EQ(Run({"unmount", "--all"}),
+            (ProgramRun{0, "/mnt/orbmountZ (//127.0.0.1/docs)\nresult: 0\n"}));
+  ASSERT_EQ(CifsMounts().size(), 1U);
+  EXPECT_NE(CifsMounts()[0].find(kElsewhere), std::string::npos);
+}
+
 TEST_F(KvtshareInGuest, LeavesAFolderAloneOnWhichMoreThanAShareLies) {
   ASSERT_EQ(
       RunAsRoot({"send", Local("source"), "//127.0.0.1/docs/file"}).status, 0);
+  ASSERT_EQ(RunAsRoot({"send", Local("source"), "//[::1]/docs/file"}).status,
+            0);
   ASSERT_EQ(mount("tmpfs", kFirstFolder, "tmpfs", 0, ""), 0);
   const std::string refusal =
       "kvtshare: /mnt/orbmountZ is left alone: 2 file systems lie on it\n";
@@ -127,8 +151,10 @@ TEST_F(KvtshareInGuest, LeavesAFolderAloneOnWhichMoreThanAShareLies) {
                         "kvtshare: /mnt/orbmountZ/ is left alone: 2 file "
                         "systems lie on it\n"}));
   EXPECT_EQ(Run({"unmount", "--all"}),
-            (ProgramRun{1, "/mnt/orbmountZ (//127.0.0.1/docs)\n" + refusal}));
-  EXPECT_EQ(CifsMounts().size(), 1U);
+            (ProgramRun{1, "/mnt/orbmountZ (//127.0.0.1/docs)\n" + refusal +
+                               "/mnt/orbmountY (//::1/docs)\nresult: 0\n"}))
+      << "the second share goes, and the result is that of the first";
+  ASSERT_EQ(CifsMounts().size(), 1U);
   EXPECT_EQ(ReadFile(OnServer("file")), "by kvtshare");
   EXPECT_EQ(umount2(kFirstFolder, 0), 0);
 }
