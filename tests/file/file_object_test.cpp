@@ -2,8 +2,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "KVTFile.h"
 #include "hooks.h"
@@ -17,6 +19,11 @@ namespace {
 TEST(FileObject, StartsWithAnEmptyPath) {
   EXPECT_EQ(KVTFile().GetPath(), "");
   EXPECT_FALSE(KVTFile().HasPath());
+}
+
+TEST(FileObject, HasAPathFromOneUnitOn) {
+  EXPECT_FALSE(KVTFile("").HasPath());
+  EXPECT_TRUE(KVTFile("a").HasPath());
 }
 
 TEST(FileObject, KeepsThePathAsGiven) {
@@ -270,6 +277,45 @@ TEST(EmptyFile, AnswersFalseToAllButSetExtension) {
 
   EXPECT_TRUE(file.SetExtension("log"));
   EXPECT_EQ(file.GetPath(), ".log");
+}
+
+TEST(EmptyFile, AnswersWithoutALookAtTheDisk) {
+  std::vector<std::string> calls;
+  const auto note = [&calls](const char* call) {
+    return [&calls, call](auto...) {
+      calls.push_back(call);
+      return -1;
+    };
+  };
+  const auto noteNull = [&calls](const char* call) {
+    return [&calls, call](auto...) {
+      calls.push_back(call);
+      return nullptr;
+    };
+  };
+  const hooks::Scoped stat(hooks::onStat, note("stat"));
+  const hooks::Scoped mkdir(hooks::onMkdir, note("mkdir"));
+  const hooks::Scoped remove(hooks::onRemove, note("remove"));
+  const hooks::Scoped system(hooks::onSystem, note("system"));
+  const hooks::Scoped fopen(hooks::onFopen, noteNull("fopen"));
+  const hooks::Scoped opendir(hooks::onOpendir, noteNull("opendir"));
+  KVTFile file;
+  file.Exists();
+  file.GetBool(KVTFile::KVTFileBoolSettable);
+  file.SetBool(KVTFile::KVTFileBoolSettable, true);
+  file.Touch();
+  file.GetSize();
+  file.IsEmpty();
+  file.IsFileSymbolicLink();
+  file.IsFileDeviceFile();
+  file.Delete();
+  file.HasValidPath();
+  file.ParentExists();
+  for (const bool createParents : {false, true}) {
+    file.MakeDirectory(createParents, nullptr);
+    file.CreateFile(createParents, nullptr);
+  }
+  EXPECT_EQ(calls, std::vector<std::string>());
 }
 
 }  // namespace
