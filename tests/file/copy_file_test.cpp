@@ -390,10 +390,20 @@ TEST_F(CopyFileCreateDir, FailsWhereTheDirectoryCannotBeMade) {
   EXPECT_FALSE(
       KVTFileUtil::CopyFileCreateDir(mSource, File("source/a/target"), false));
   EXPECT_FALSE(KVTFileUtil::CopyFileCreateDir(mSource, KVTFile(), false));
-  // The directory of /target is the empty text.
+}
+
+// The directory of /no-such is the empty text.
+TEST_F(CopyFileCreateDir, AsksForNothingInTheRoot) {
+  std::vector<std::string> asked;
+  const auto note = [&asked](const char* path, auto...) {
+    asked.push_back(path);
+    return -1;
+  };
+  const hooks::Scoped mkdir(hooks::onMkdir, note);
+  const hooks::Scoped open(hooks::onOpen, note);
   EXPECT_FALSE(
       KVTFileUtil::CopyFileCreateDir(mSource, KVTFile("/no-such"), false));
-  EXPECT_FALSE(KVTFile("/no-such").Exists());
+  EXPECT_EQ(asked, std::vector<std::string>());
 }
 
 TEST_F(CopyFileCreateDir, TakesABareNameForItsOwnDirectory) {
