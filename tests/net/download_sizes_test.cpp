@@ -3,43 +3,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <optional>
-#include <random>
 #include <string>
-#include <vector>
 
 #include "KVTFileUtil.h"
+#include "download.h"
 #include "namespaces.h"
 #include "servers.h"
+#include "sized_bytes.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
 namespace {
 
-constexpr proxy kNoProxy = {0, nullptr, nullptr};
 constexpr std::size_t kMegabyte = 1 << 20;
-
-// Without a pattern that would hide a block left out or given twice.
-std::string Bytes(std::size_t size) {
-  std::mt19937_64 random(size);
-  std::vector<unsigned long long> words(size / 8 + 1);
-  std::generate(words.begin(), words.end(), std::ref(random));
-  return std::string(reinterpret_cast<const char*>(words.data()), size);
-}
-
-class Download : public testing::Test {
- protected:
-  int Get(const std::string& url) {
-    return KVTFileUtil::GetFile(FromUtf8(url), mTarget, kNoProxy);
-  }
-
-  const TemporaryDirectory mDirectory;
-  const KVTFile mTarget = mDirectory.File("target");
-  const std::string mTargetPath = mDirectory.Path("target");
-};
 
 class DownloadOfSize : public Download,
                        public testing::WithParamInterface<std::size_t> {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "KVTFileUtil.h"
+#include "download.h"
 #include "scripted_ftp.h"
 #include "servers.h"
 #include "temporary_directory.h"
@@ -13,21 +14,11 @@
 
 namespace {
 
-constexpr proxy kNoProxy = {0, nullptr, nullptr};
-
-class FtpDownload : public testing::Test {
+class FtpDownload : public Download {
  protected:
   void SetUp() override {
     WriteFile(TheServers().Files().Path("hello.txt"), "hello");
   }
-
-  int Get(const std::string& url) {
-    return KVTFileUtil::GetFile(FromUtf8(url), mTarget, kNoProxy);
-  }
-
-  const TemporaryDirectory mDirectory;
-  const KVTFile mTarget = mDirectory.File("target");
-  const std::string mTargetPath = mDirectory.Path("target");
 };
 
 TEST_F(FtpDownload, ReplacesALongerOldFile) {

@@ -8,6 +8,7 @@
 
 #include "KVTFileUtil.h"
 #include "curl_hooks.h"
+#include "download.h"
 #include "scripted_server.h"
 #include "servers.h"
 #include "temporary_directory.h"
@@ -18,18 +19,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr proxy kNoProxy = {0, nullptr, nullptr};
-
-class HttpDownload : public testing::Test {
- protected:
-  int Get(const std::string& url) {
-    return KVTFileUtil::GetFile(FromUtf8(url), mTarget, kNoProxy);
-  }
-
-  const TemporaryDirectory mDirectory;
-  const KVTFile mTarget = mDirectory.File("target");
-  const std::string mTargetPath = mDirectory.Path("target");
-};
+using HttpDownload = Download;
 
 // --- Answers that count as failures
 

@@ -10,6 +10,7 @@
 
 #include "hooks.h"
 #include "namespaces.h"
+#include "sized_bytes.h"
 #include "smb1_server.h"
 
 namespace {

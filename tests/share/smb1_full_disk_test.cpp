@@ -6,6 +6,7 @@
 #include <string>
 
 #include "namespaces.h"
+#include "sized_bytes.h"
 #include "smb1_server.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "captured_descriptor.h"
+#include "sized_bytes.h"
 #include "smb1_server.h"
 
 namespace {

@@ -1,7 +1,6 @@
 #include "smb1_server.h"
 
 #include <memory>
-#include <random>
 
 #include "namespaces.h"
 
@@ -24,14 +23,3 @@ const testing::Environment* const kEnvironment =
 }  // namespace
 
 SambaServer& Server() { return *server; }
-
-std::string Bytes(std::size_t size) {
-  std::mt19937_64 random(size);
-  std::string bytes(size + 8, '\0');
-  for (std::size_t i = 0; i < size; i += 8) {
-    const std::uint64_t word = random();
-    bytes.replace(i, 8, reinterpret_cast<const char*>(&word), 8);
-  }
-  bytes.resize(size);
-  return bytes;
-}

@@ -48,7 +48,4 @@ class Smb1Server : public testing::Test {
 
 constexpr const char* kDoneLine = "Curl return code  0 , curl response code 0";
 
-/// `size` bytes that never repeat in a way a lost or doubled block would hide.
-std::string Bytes(std::size_t size);
-
 #endif  // KVT_TESTS_SMB1_SERVER_H

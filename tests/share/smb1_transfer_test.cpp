@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "sized_bytes.h"
 #include "smb1_server.h"
 
 namespace {
