@@ -189,8 +189,10 @@ TEST_F(GetFileCalls, AreNoneWhenTheOldFileCannotBeDeleted) {
 }
 
 TEST_F(GetFileCalls, ReleaseHandleAndFileWhenAnExceptionPasses) {
+  const NotedFile noted(mCurl);
   mCurl.onPerform = [] { throw std::string("passing"); };
   EXPECT_THROW(KVTFileUtil::GetFile(kUrl, mTarget, kNoProxy), std::string);
+  EXPECT_THAT(mCurl.Calls(), testing::Contains("fclose the file"));
   EXPECT_EQ(mCurl.MadeHandles(), 1);
   EXPECT_EQ(mCurl.LiveHandles(), 0);
 }

@@ -113,6 +113,14 @@ TEST_F(GetFileDestination, MayEndInASlash) {
   EXPECT_EQ(ReadFile(mDirectory.Path("name")), "body");
 }
 
+// KVTFile::ParentExists looks at what is in front of the name, which is there;
+// fopen(3) makes no file under such a path.
+TEST_F(GetFileDestination, MayNotEndInASlashWhereNothingIs) {
+  EXPECT_EQ(Get(mDirectory.Path("missing/")), 1);
+  EXPECT_THAT(mCurl.Calls(), ElementsAre("init", "cleanup"));
+  EXPECT_FALSE(mDirectory.File("missing").Exists());
+}
+
 // The test for a directory drops the backslash; the path of the file keeps it,
 // and names a folder that is not there.
 TEST_F(GetFileDestination, MayNotEndInABackslashThoughItCountsAsADirectory) {

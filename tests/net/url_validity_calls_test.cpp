@@ -132,6 +132,7 @@ TEST_F(IsURLValidCalls, ReleaseHandleAndFileWhenAnExceptionPasses) {
   WriteFile("curlFile", "kept");
   mCurl.onPerform = [] { throw std::string("passing"); };
   EXPECT_THROW(KVTFileUtil::IsURLValid(kUrl), std::string);
+  EXPECT_THAT(mCurl.Calls(), testing::Contains("fclose the file"));
   EXPECT_EQ(mCurl.LiveHandles(), 0);
   EXPECT_EQ(ReadFile("curlFile"), "kept");
 }
