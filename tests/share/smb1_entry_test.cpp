@@ -142,13 +142,16 @@ TEST_F(Smb1LocalSide, ProbeOfADownloadMakesNoFolders) {
 TEST_F(Smb1LocalSide, DownloadLeavesTheHandleBehindWhenNoFolderCanBeMade) {
   const TemporaryDirectory directory;
   WriteFile(directory.Path("file"), "in the way");
+  KVTAuthentication auth("me", "pw");
   EXPECT_EQ(
-      Send("//10.0.0.5/docs/a", nullptr, directory.Path("file/sub/a"), nullptr),
+      Send("//10.0.0.5/docs/a", &auth, directory.Path("file/sub/a"), nullptr),
       1);
   EXPECT_EQ(mError, "Unable to create parent directory for " +
                         directory.Text("file/sub/a"));
+  // The credentials come before the folder.
   EXPECT_THAT(mCurl.Calls(),
-              ElementsAre("init", "CURLOPT_URL smb://10.0.0.5/docs/a"));
+              ElementsAre("init", "CURLOPT_URL smb://10.0.0.5/docs/a",
+                          "CURLOPT_USERNAME me", "CURLOPT_PASSWORD pw"));
   EXPECT_EQ(mCurl.LiveHandles(), 1);
 }
 
