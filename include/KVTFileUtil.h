@@ -163,7 +163,8 @@ class KVT_EXPORT KVTFileUtil {
 
   /// Appends to `names` the files of `directory` that match, in the order of
   /// readdir(3): bare names, or with `fullPaths` true `directory`, a separator
-  /// and the name.  Subdirectories are neither listed nor entered.
+  /// and the name.  Subdirectories are neither listed nor entered; an entry
+  /// whose type readdir(3) does not tell counts as a file.
   ///
   /// A name matches the glob `startsWith`*`contains`* when `extension` is
   /// empty, otherwise `startsWith`*`contains`.`extension`, by fnmatch(3) with
