@@ -221,6 +221,11 @@ TEST_F(Listing, TakesGlobCharactersInTheArgumentsAsSuch) {
   EXPECT_THAT(List({"\\[ab", "", ""}), ElementsAre(FromUtf8("[ab]x")));
 }
 
+TEST_F(Listing, TakesParenthesesForCharactersLikeAnyOther) {
+  Make({"a1", "@(a)2"});
+  EXPECT_THAT(List({"@(a)", "", ""}), ElementsAre(FromUtf8("@(a)2")));
+}
+
 TEST_F(Listing, AgreesWithTheModelOnEveryCombinationOfPatterns) {
   std::vector<std::string> all;
   for (const char* start : {"", "a", "B", "ab", ".", "*", "[a]", "-"}) {

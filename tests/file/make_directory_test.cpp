@@ -379,6 +379,8 @@ const FileCase kFileCases[] = {
      {"a", "a/b", "a/b/f"}},
     // Its parent is a/f, whose path has a separator less.
     {"TrailingSeparator", "a/f/", true, {"a/", "a//f"}, false, {"a", "a/f"}},
+    // have/ is there, so the parent have/f is not made.
+    {"TrailingSeparatorInAnExisting", "have/f/", true, {}, false, {}},
     {"ThroughAFile", "file/f", false, {}, false, {}},
     {"ThroughAFileWithParents", "file/f", true, {}, false, {}},
     {"BelowAFileWithParents", "file/a/f", true, {"file/"}, false, {}},
