@@ -6,9 +6,7 @@
 #include <stdlib.h>
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <functional>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,6 +14,7 @@
 #include "KVTFileUtil.h"
 #include "namespaces.h"
 #include "server_process.h"
+#include "sized_bytes.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -80,10 +79,7 @@ class Server {
   Server() : mNginx(Configure(mPlace), kPort) {}
 
   static std::vector<std::string> Configure(const TemporaryDirectory& place) {
-    std::vector<unsigned long long> words(kSize / sizeof(unsigned long long));
-    std::generate(words.begin(), words.end(), std::mt19937_64(1));
-    WriteFile(place.Path("file"),
-              std::string(reinterpret_cast<const char*>(words.data()), kSize));
+    WriteBytes(place.Path("file"), kSize);
     WriteFile(place.Path("nginx.conf"), kConfiguration);
     return {"nginx", "-e", "stderr", "-p", place.Path(), "-c", "nginx.conf"};
   }

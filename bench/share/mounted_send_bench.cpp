@@ -6,18 +6,13 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <random>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "KVTShareFile.h"
 #include "server_process.h"
+#include "sized_bytes.h"
 
 namespace {
 
@@ -40,20 +35,9 @@ void Cp() {
   }
 }
 
-void MakeSource() {
-  std::ofstream file(kSource, std::ios::binary);
-  std::vector<std::uint32_t> block((1 << 20) / sizeof(std::uint32_t));
-  std::mt19937 random;
-  for (std::size_t done = 0; done < kSize; done += 1 << 20) {
-    std::generate(block.begin(), block.end(), std::ref(random));
-    file.write(reinterpret_cast<const char*>(block.data()), 1 << 20);
-  }
-  if (!file.flush()) throw std::runtime_error("cannot write the source");
-}
-
 // The first send mounts; after it both write to a name that is new.
 void BM_Send(benchmark::State& state, void (*send)()) {
-  if (!std::filesystem::exists(kSource)) MakeSource();
+  if (!std::filesystem::exists(kSource)) WriteBytes(kSource, kSize);
   SendFile();
   for (auto _ : state) {
     state.PauseTiming();

@@ -8,7 +8,6 @@
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
 
-#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -17,6 +16,7 @@
 #include "KVTShareFile.h"
 #include "namespaces.h"
 #include "samba_server.h"
+#include "sized_bytes.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -60,13 +60,7 @@ class Transfers {
 
   static void Prepare(const std::string& source, const std::string& target,
                       std::size_t size) {
-    std::string bytes(size, '\0');
-    std::uint32_t state = 1;
-    for (char& byte : bytes) {
-      state = state * 1664525 + 1013904223;
-      byte = static_cast<char>(state >> 24);
-    }
-    WriteFile(source, bytes);
+    WriteBytes(source, size);
     WriteFile(target, "");
   }
 

@@ -13,9 +13,6 @@
 
 namespace {
 
-constexpr char kAlphabet[] = "a./\\:";
-constexpr std::size_t kMaxLength = 6;
-
 void ExpectUnits(const KVTString& actual, const Units& expected,
                  const char* operation, const Units& path) {
   if (static_cast<const Units&>(actual) == expected) return;
@@ -73,25 +70,24 @@ void ExpectChangesAgree(const Units& path, const Units& argument) {
                [](KVTFile& file) { return file.RemoveName(); });
 }
 
-void ForEveryPath(const std::function<void(const Units&)>& check,
-                  const Units& start = Units()) {
-  check(start);
-  if (start.size() == kMaxLength || testing::Test::HasFailure()) return;
-  for (const char* unit = kAlphabet; *unit != '\0'; ++unit) {
-    ForEveryPath(check, start + Units(1, static_cast<unsigned char>(*unit)));
+// Until one fails.
+void ForEveryShortPath(const std::function<void(const Units&)>& check) {
+  for (const std::string& path : AllTexts("a./\\:", 6)) {
+    check(FromUtf8(path));
+    if (testing::Test::HasFailure()) return;
   }
 }
 
 Units ToUnits(const char* text) { return KVTString(text); }
 
 TEST(PathAlgebraModel, AgreesOnTheQueriesOfEveryShortPath) {
-  ForEveryPath(ExpectQueriesAgree);
+  ForEveryShortPath(ExpectQueriesAgree);
 }
 
 TEST(PathAlgebraModel, AgreesOnTheChangesOfEveryShortPath) {
   const std::vector<Units> arguments = {
       ToUnits(""), ToUnits("b"), ToUnits(".x"), ToUnits("/"), ToUnits("c:")};
-  ForEveryPath([&arguments](const Units& path) {
+  ForEveryShortPath([&arguments](const Units& path) {
     for (const Units& argument : arguments) ExpectChangesAgree(path, argument);
   });
 }

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "guest_test.h"
+#include "sized_bytes.h"
 #include "hooks.h"
 
 namespace {
@@ -60,7 +61,7 @@ void WaitForSize(const std::string& path, Predicate fits) {
 
 TEST_F(BrokenTransfer, WhatCrossedBeforeTheServerDiedStaysAndCountsAsDone) {
   UseServer(kNoCaching);
-  MakeFile(Local("source"), 200 * kMegabyte);
+  WriteBytes(Local("source"), 200 * kMegabyte);
   std::filesystem::copy(Local("source"), OnServer("file"));
   // Mounted first: the threads then only read the library's table.
   WriteFile(Local("small"), "x");
@@ -119,9 +120,9 @@ TEST_F(BrokenTransfer, WhatCrossedBeforeTheServerDiedStaysAndCountsAsDone) {
 
 TEST_F(BrokenTransfer, ToAFullServerLeavesNoFile) {
   UseServer(kNoCaching);
-  MakeFile(Local("source"), kMegabyte);
+  WriteBytes(Local("source"), kMegabyte);
   const SmallDisk disk(OnServer("disk"), kMegabyte);
-  MakeFile(OnServer("disk/filler"), kMegabyte);
+  WriteBytes(OnServer("disk/filler"), kMegabyte);
 
   EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/disk/file"),
             (Outcome{1, "Unable to copy file from " + Local("source") +
@@ -137,18 +138,18 @@ TEST_F(BrokenTransfer, ToAFullServerLeavesNoFile) {
 }
 
 TEST_F(BrokenTransfer, ToAFullServerIsNotNoticedByAClientThatCaches) {
-  MakeFile(Local("source"), kMegabyte);
+  WriteBytes(Local("source"), kMegabyte);
   const SmallDisk disk(OnServer("disk"), kMegabyte);
-  MakeFile(OnServer("disk/filler"), kMegabyte);
+  WriteBytes(OnServer("disk/filler"), kMegabyte);
   EXPECT_EQ(Send(Local("source"), "//127.0.0.1/docs/disk/file"),
             (Outcome{0, ""}));
   EXPECT_FALSE(SameBytes(OnServer("disk/file"), Local("source")));
 }
 
 TEST_F(BrokenTransfer, ToAFullLocalDiskLeavesNoFile) {
-  MakeFile(OnServer("source"), kMegabyte);
+  WriteBytes(OnServer("source"), kMegabyte);
   const SmallDisk disk(Local("disk"), kMegabyte);
-  MakeFile(Local("disk/filler"), kMegabyte);
+  WriteBytes(Local("disk/filler"), kMegabyte);
 
   EXPECT_EQ(Send("//127.0.0.1/docs/source", Local("disk/file")),
             (Outcome{1, "Unable to copy file from /mnt/orbmountZ/source to " +

@@ -8,8 +8,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 
@@ -169,21 +167,6 @@ std::string Report(const std::string& dialect, int error,
   return dialect + ": mount return code: -1 , errno: " + std::to_string(error) +
          " , stderror: " + std::strerror(error) + " , for share: " + share +
          " , for Mount Point: " + folder;
-}
-
-void MakeFile(const std::string& path, std::size_t size) {
-  std::mt19937_64 random(size);
-  std::vector<std::uint64_t> block((std::size_t{1} << 20) / 8);
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  for (std::size_t done = 0; done < size;) {
-    std::generate(block.begin(), block.end(), std::ref(random));
-    const std::size_t count = std::min(size - done, block.size() * 8);
-    file.write(reinterpret_cast<const char*>(block.data()),
-               static_cast<std::streamsize>(count));
-    done += count;
-  }
-  file.close();
-  if (!file) throw std::runtime_error("cannot write " + path);
 }
 
 testing::AssertionResult SameBytes(const std::string& a,

@@ -73,9 +73,6 @@ std::vector<std::string> CifsMounts();
 std::string Report(const std::string& dialect, int error,
                    const std::string& share, const std::string& folder);
 
-/// `size` bytes that differ from block to block.
-void MakeFile(const std::string& path, std::size_t size);
-
 /// Whether both files can be read and hold the same bytes; `prefix`: whether
 /// the first holds the beginning of the second, or all of it.
 testing::AssertionResult SameBytes(const std::string& a, const std::string& b);

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "guest_test.h"
+#include "sized_bytes.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ class TransferOfSize : public GuestTest,
                        public testing::WithParamInterface<SizeCase> {};
 
 TEST_P(TransferOfSize, ArrivesAndComesBackByteForByte) {
-  MakeFile(Local("source"), GetParam().size);
+  WriteBytes(Local("source"), GetParam().size);
 
   ASSERT_EQ(Send(Local("source"), "//127.0.0.1/docs/file"), (Outcome{0, ""}));
   EXPECT_TRUE(SameBytes(OnServer("file"), Local("source")));

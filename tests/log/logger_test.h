@@ -60,7 +60,7 @@ class LoggerTest : public testing::Test {
     KVTLogger::mOptions = KVTLoggingOptions();
   }
 
-  TimeZone mZone{"UTC0"};
+  TimeZone mZone{kUtc};
   hooks::Scoped<decltype(hooks::onTime)> mClock;
 };
 

@@ -10,4 +10,8 @@
 /// doubled block would hide.
 std::string Bytes(std::size_t size);
 
+/// Makes `path` a file of those bytes, which are never all in memory.  Throws
+/// std::runtime_error when it cannot be written.
+void WriteBytes(const std::string& path, std::size_t size);
+
 #endif  // KVT_TESTS_SIZED_BYTES_H

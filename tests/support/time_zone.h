@@ -6,8 +6,13 @@
 #include <optional>
 #include <string>
 
-/// Sets TZ (in the form of tzset(3), such as "CET-1CEST,M3.5.0,M10.5.0/3",
-/// which needs no files) while the object lives.
+/// Zones in the form of tzset(3) that needs no files.
+constexpr char kUtc[] = "UTC0";
+constexpr char kCentralEurope[] = "CET-1CEST,M3.5.0,M10.5.0/3";
+constexpr char kNewYork[] = "EST5EDT,M3.2.0,M11.1.0";
+constexpr char kNepal[] = "NPT-5:45";
+
+/// Sets TZ, in any form of tzset(3), while the object lives.
 class TimeZone {
  public:
   explicit TimeZone(const std::string& zone);

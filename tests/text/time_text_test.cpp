@@ -12,10 +12,6 @@
 
 namespace {
 
-constexpr char kUtc[] = "UTC0";
-constexpr char kCentralEurope[] = "CET-1CEST,M3.5.0,M10.5.0/3";
-constexpr char kNewYork[] = "EST5EDT,M3.2.0,M11.1.0";
-
 // 2026-03-07 13:05:09 UTC, a Saturday
 constexpr unsigned long long kSaturdayAfternoon = 1772888709;
 
