@@ -154,7 +154,7 @@ TEST_F(LogFiles, ReportDefaultOptionsWithAnEmptyPath) {
   EXPECT_FALSE(KVTLogger::Initialize(KVTLoggingOptions()));
   EXPECT_EQ(standardError.Text(),
             "Error in Initialize opening user log file: \n");
-  EXPECT_EQ(log.opened.size(), 1u);
+  EXPECT_THAT(log.opened, ElementsAre("w "));
   EXPECT_EQ(KVTLogger::mInternalLogFile, nullptr);
 }
 
@@ -283,7 +283,7 @@ TEST_F(LogFiles, LeaveStandardErrorOpen) {
     CapturedDescriptor standardError(2);
     KVTLogger::Log("Run", "main.cpp", 7, 5, "trace");
     EXPECT_TRUE(KVTLogger::Terminate());
-    EXPECT_EQ(fputs("still open", stderr) >= 0, true);
+    EXPECT_GE(fputs("still open", stderr), 0);
     EXPECT_EQ(standardError.Text(), Header("TRACE") + "trace\nstill open");
   }
   // Neither standard error nor the user log that it took the place of.

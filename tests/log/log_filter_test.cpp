@@ -1,5 +1,6 @@
 // Which lines reach the user log, and where it is.
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -114,7 +115,7 @@ TEST_F(LogDestination, IsStandardErrorForGoodAfterATraceLine) {
   EXPECT_EQ(standardError.Text(),
             Header("TRACE") + "trace\n" + Header("FATAL") + "fatal\n");
   // The file's stream stays open and empty.
-  EXPECT_EQ(fputs("still open", userLog) >= 0, true);
+  EXPECT_GE(fputs("still open", userLog), 0);
   EXPECT_EQ(fclose(userLog), 0);
   EXPECT_EQ(User(), "still open");
   KVTLogger::Terminate();
@@ -150,10 +151,10 @@ TEST_F(LogDestination, FollowsTheOptionsInForce) {
   ASSERT_TRUE(KVTLogger::Initialize(Options(1)));
   KVTLogger::Log("Run", "main.cpp", 7, 2, "not shown");
   KVTLogger::mOptions.SetNumberOfLevelsToShowInUserLog(2);
-  KVTLogger::mOptions.SetApplicationName("app");
+  KVTLogger::mOptions.SetApplicationName("other");
   KVTLogger::Log("Run", "main.cpp", 7, 2, "shown");
   KVTLogger::Terminate();
-  EXPECT_EQ(User(), Header("ERROR") + "shown\n");
+  EXPECT_EQ(User(), "other" + Header("ERROR").substr(3) + "shown\n");
   EXPECT_EQ(standardError.Text(), "");
 }
 
