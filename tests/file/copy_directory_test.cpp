@@ -143,6 +143,14 @@ TEST_F(CopyDirectory, TakesNamesAndPathsOfAnyText) {
   EXPECT_EQ(ReadFile(Path("t\xC3\xB6/f\xC3\xBC")), "F");
 }
 
+// The shell gets a name as it is; the path of a file to be copied is decoded.
+TEST_F(CopyDirectory, LeavesOutFilesWhoseNamesDoNotDecode) {
+  fs::create_directories(Path("names/d\xFF"));
+  WriteFile(Path("names/f\xFF"), "F");
+  EXPECT_TRUE(Copy("names", "t", false));
+  EXPECT_EQ(Tree(Path("t")), Texts{"d\xFF/"});
+}
+
 TEST_F(CopyDirectory, WritesOverExistingFilesAsCopyFileDoes) {
   WriteFile(Path("t/a"), "old");
   EXPECT_TRUE(Copy("s", "t", false));

@@ -92,6 +92,16 @@ TEST(IsDirectory, IsFalseForABackslashAlone) {
   EXPECT_TRUE(KVTFileUtil::IsDirectory("\\\\"));
 }
 
+// A copy of the path is looked at, and copies end at their first zero unit.
+TEST(IsDirectory, DropsTheBackslashInFrontOfAZeroUnit) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(mkdir(directory.Path("d").c_str(), 0700), 0);
+  KVTString path = directory.Text("d\\");
+  path.push_back(0);
+  path.push_back('x');
+  EXPECT_TRUE(KVTFileUtil::IsDirectory(path));
+}
+
 TEST(IsDirectory, FollowsLinks) {
   const TemporaryDirectory directory;
   WriteFile(directory.Path("f"), "");
