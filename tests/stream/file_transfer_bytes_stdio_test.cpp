@@ -10,26 +10,16 @@
 #include <string>
 #include <vector>
 
-#include "KVTTransferBytes.h"
 #include "hooks.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
+#include "transfer_bytes_test.h"
 
 namespace {
 
 using testing::ElementsAre;
 
 constexpr unsigned long long kGiB = 1ull << 30;
-
-unsigned long long Write(IKVTTransferBytes& bytes, std::string text) {
-  return bytes.Write(text.data(), text.size());
-}
-
-std::string Read(IKVTTransferBytes& bytes, unsigned long long size) {
-  std::string buffer(size, '#');
-  buffer.resize(bytes.Read(buffer.data(), size));
-  return buffer;
-}
 
 // Writes down the calls of ftell and fseek; the call of number `mFailing`,
 // counted from 1, fails.
@@ -89,6 +79,7 @@ TEST_F(FileTransferBytesStdio, ReadGivesNothingWhenAStepFails) {
       StdioLog log(failing);
       EXPECT_EQ(Read(bytes, 3), "");
       EXPECT_EQ(log.calls.size(), failing);
+      EXPECT_EQ(bytes.GetStreamState(), KVTStreamGood);
     }
     bytes.Seek(0, KVTSeekFromBeginning);
     StdioLog log(5);
@@ -109,8 +100,21 @@ TEST_F(FileTransferBytesStdio, ReadOfWhatIsNotThereAsksStdioForNothing) {
   EXPECT_THAT(log.calls, testing::IsEmpty());
 }
 
+// The path leads to bytes, the stream to an older file that has none.
+TEST_F(FileTransferBytesStdio, ReadOfAnEmptyStreamLeavesThePosition) {
+  WriteFile(mDirectory.Path("a"), "");
+  KVTFileTransferBytes bytes(File(), "r");
+  std::filesystem::remove(mDirectory.Path("a"));
+  WriteFile(mDirectory.Path("a"), "abcdef");
+  EXPECT_EQ(bytes.Seek(2, KVTSeekFromBeginning), 2u);
+  EXPECT_EQ(Read(bytes, 3), "");
+  EXPECT_EQ(bytes.Tell(), 2u);
+  EXPECT_EQ(bytes.GetStreamState(), KVTStreamGood);
+}
+
 // Is there a file, is it a directory, is it empty: the answer number `turned`
-// is turned round.  The last one may take more than one look.
+// is turned round.  The last one may take more than one look;
+// the entries of a directory, which make its size, are never looked at.
 TEST_F(FileTransferBytesStdio, ReadAsksTheDiskInOrderUpToTheFirstObstacle) {
   KVTFileTransferBytes bytes(File(), "r");
   std::size_t turned = 0;
@@ -123,6 +127,10 @@ TEST_F(FileTransferBytesStdio, ReadAsksTheDiskInOrderUpToTheFirstObstacle) {
     if (turned == 2 && asked == 2) status->st_mode = S_IFDIR;
     if (turned == 3 && asked >= 3) status->st_size = 0;
     return result;
+  });
+  hooks::Scoped entries(hooks::onOpendir, [](const char* path) {
+    ADD_FAILURE() << path;
+    return hooks::RealOpendir(path);
   });
   StdioLog log;
   for (turned = 1; turned <= 3; ++turned) {

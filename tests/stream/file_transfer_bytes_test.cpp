@@ -7,29 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "KVTTransferBytes.h"
 #include "hooks.h"
 #include "open_descriptors.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
+#include "transfer_bytes_test.h"
 
 namespace {
-
-KVTSeekFromWhere Where(int value) {
-  return static_cast<KVTSeekFromWhere>(value);
-}
-
-unsigned long long Write(IKVTTransferBytes& bytes, std::string text) {
-  return bytes.Write(text.data(), text.size());
-}
-
-// What one Read of at most `size` bytes delivers.
-std::string Read(IKVTTransferBytes& bytes, unsigned long long size) {
-  std::string buffer(size + 1, '#');
-  const unsigned long long count = bytes.Read(buffer.data(), size);
-  EXPECT_EQ(buffer.substr(count), std::string(buffer.size() - count, '#'));
-  return buffer.substr(0, count);
-}
 
 // An object that is never destroyed, for files that do not open.
 KVTFileTransferBytes& Undying(const KVTFile& file, const char* mode) {

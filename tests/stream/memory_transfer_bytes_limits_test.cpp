@@ -7,17 +7,13 @@
 #include <new>
 #include <string>
 
-#include "KVTTransferBytes.h"
 #include "hooks.h"
+#include "transfer_bytes_test.h"
 
 namespace {
 
 constexpr unsigned long long kGiB = 1ull << 30;
 constexpr std::size_t kSlack = 64;
-
-unsigned long long Write(IKVTTransferBytes& bytes, std::string text) {
-  return bytes.Write(text.data(), text.size());
-}
 
 std::string Bytes(const unsigned char* from, std::size_t count) {
   return std::string(reinterpret_cast<const char*>(from), count);

@@ -3,17 +3,9 @@
 #include <cstring>
 #include <string>
 
-#include "KVTTransferBytes.h"
+#include "transfer_bytes_test.h"
 
 namespace {
-
-KVTSeekFromWhere Where(int value) {
-  return static_cast<KVTSeekFromWhere>(value);
-}
-
-unsigned long long Write(IKVTTransferBytes& bytes, std::string text) {
-  return bytes.Write(text.data(), text.size());
-}
 
 std::string Text(const KVTMemoryTransferBytes& bytes) {
   return reinterpret_cast<const char*>(bytes.GetBuffer());
