@@ -141,6 +141,14 @@ TEST_F(CommandLookup, ListsNamesBeyondAsciiAsUtf8) {
             Line("gr\xC3\xBCn") + Line("gr\xC3\xBCn/\xF0\x9F\x98\x80"));
 }
 
+TEST_F(CommandLookup, CutsPathAtColonsAlone) {
+  const std::string name = "a;b, c\\d\te";
+  std::filesystem::create_directory(mDirectory.Path(name));
+  WriteFile(mDirectory.Path(name + "/z"), "");
+  EXPECT_EQ(Check(mDirectory.Path(name)).output,
+            Line(name) + Line(name + "/z"));
+}
+
 TEST_F(CommandLookup, SkipsEmptyPartsOfPath) {
   EXPECT_EQ(
       Check(mDirectory.Path("a") + "::" + mDirectory.Path("b") + ":").output,

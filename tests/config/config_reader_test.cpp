@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <new>
 #include <sstream>
 #include <stdexcept>
@@ -12,6 +11,7 @@
 #include "KVTConfigReader.h"
 #include "config_model.h"
 #include "hooks.h"
+#include "open_descriptors.h"
 #include "temporary_directory.h"
 #include "test_strings.h"
 
@@ -160,16 +160,12 @@ TEST(ConfigReader, OpensAPathBeyondAsciiAndClosesItAgain) {
   WriteFile(directory.Path("gr\xC3\xBC\xC3\x9F"
                            "e \xF0\x9F\x98\x80"),
             "[s]\n");
-  const auto descriptors = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                         std::filesystem::directory_iterator());
-  };
-  const auto before = descriptors();
+  const std::size_t before = OpenDescriptors();
   KVTConfigReader reader(
       directory.Text("gr\xC3\xBC\xC3\x9F"
                      "e \xF0\x9F\x98\x80"));
   ASSERT_EQ(reader.GetConfiguration().size(), 1u);
-  EXPECT_EQ(descriptors(), before);
+  EXPECT_EQ(OpenDescriptors(), before);
 }
 
 TEST(ConfigReader, LeavesAStreamAtItsEnd) {
