@@ -319,6 +319,15 @@ TEST(LibraryTables, TypedStreamsWithOneOperationLeftPure) {
   ExpectTable("18KVTReadWriteStream", kStreamOperations);
 }
 
+TEST(LibraryTables, InterfacesWithAllButTheirDestructorsPure) {
+  std::vector<std::string> transport(kTransportOperations.size(), "!");
+  transport[0] = transport[1] = "";
+  ExpectTable("17IKVTTransferBytes", transport);
+  std::vector<std::string> stream(kStreamOperations.size(), "!");
+  stream[0] = stream[1] = "";
+  ExpectTable("10IKVTStream", stream);
+}
+
 TEST(LibraryTables, ValuesHaveTheirTwoDestructorsAndNothingElse) {
   for (const char* const name :
        {"9KVTString", "7KVTTime", "7KVTGUID", "7KVTFile"}) {

@@ -43,8 +43,10 @@ case $way in
 esac
 
 output=$(LD_LIBRARY_PATH=$libdir "$program")
-loaded=$(LD_LIBRARY_PATH=$libdir ldd "$program" | grep 'libkvtbase\.so')
-if [ "$output" != "share 10.0.0.5 0 11" ] || [[ $loaded != *"$prefix"* ]]; then
+# By its SONAME, which programs that are built already ask for.
+loaded=$(LD_LIBRARY_PATH=$libdir ldd "$program")
+if [ "$output" != "share 10.0.0.5 0 11" ] ||
+  [[ $loaded != *"libkvtbase.so.1 => $prefix/"* ]]; then
   printf 'the program printed "%s" with %s\n' "$output" "$loaded" >&2
   exit 1
 fi
