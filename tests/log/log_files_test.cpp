@@ -140,6 +140,26 @@ TEST_F(LogFiles, TakeOverAllOptions) {
   KVTLogger::Terminate();
 }
 
+TEST_F(LogFiles, TakeOverTheOptionsOfASecondInitialize) {
+  EXPECT_TRUE(KVTLogger::Initialize(Options(4)));
+  KVTLogger::Terminate();
+  KVTLoggingOptions options;
+  options.SetApplicationName("other");
+  options.SetNumberOfSupportedLevels(2);
+  options.SetNumberOfLevelsToShowInUserLog(1);
+  options.SetInternalLogFile(mDirectory.File("internal2.log"));
+  options.SetUserLogFile(mDirectory.File("user2.log"));
+  EXPECT_TRUE(KVTLogger::Initialize(options));
+  EXPECT_EQ(KVTLogger::mOptions.GetApplicationName(), "other");
+  EXPECT_EQ(KVTLogger::mOptions.NumberOfSupportedLevels(), 2);
+  EXPECT_EQ(KVTLogger::mOptions.NumberOfLevelsToShowInUserLog(), 1);
+  EXPECT_EQ(KVTLogger::mOptions.GetInternalLogFile().GetPath(),
+            mDirectory.Text("internal2.log"));
+  EXPECT_EQ(KVTLogger::mOptions.GetUserLogFile().GetPath(),
+            mDirectory.Text("user2.log"));
+  KVTLogger::Terminate();
+}
+
 TEST_F(LogFiles, MayBeOpenedWithTheOptionsInForce) {
   KVTLogger::mOptions = Options(4);
   EXPECT_TRUE(KVTLogger::Initialize(KVTLogger::mOptions));

@@ -70,6 +70,13 @@ TEST_F(LogLine, AlignsNamesInTwentyColumnsAndCutsNothing) {
   EXPECT_EQ(Finish(), expected);
 }
 
+TEST_F(LogLine, ShowsNamesAsTheyAreGiven) {
+  KVTLogger::Log("Class::Run(int)", "../src/log/main.cpp", 1, 4, "x");
+  EXPECT_EQ(Finish(),
+            "app  INFO : Saturday, March 07, 2026 01:05PM "
+            "     Class::Run(int)()  ../src/log/main.cpp:1 x\n");
+}
+
 // printf counts bytes.
 TEST_F(LogLine, AlignsByTheBytesOfUtf8) {
   KVTLogger::Log(FromUtf8("\xC3\xBC"), FromUtf8("\xF0\x9F\x98\x80"), 1, 4, "x");
