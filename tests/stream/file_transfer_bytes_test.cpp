@@ -46,9 +46,9 @@ TEST_F(FileTransferBytes, OpensThePathInTheModeAsGiven) {
     mode = m;
     return hooks::RealFopen(p, "r");
   });
-  KVTFileTransferBytes bytes(file, "r+xyz,ccs=\xC3\xBC");
+  KVTFileTransferBytes bytes(file, " r+xyz,ccs=\xC3\xBC ");
   EXPECT_EQ(path, mDirectory.Path("f\xC3\xBCnf"));
-  EXPECT_EQ(mode, "r+xyz,ccs=\xC3\xBC");
+  EXPECT_EQ(mode, " r+xyz,ccs=\xC3\xBC ");
 }
 
 TEST_F(FileTransferBytes, KeepsACopyOfTheFile) {
