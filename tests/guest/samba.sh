@@ -76,10 +76,31 @@ start() {
     done
 }
 
+# Whether a SIGHUP waits for the server: bit 0 of the last digit.
+hangup_pends() {
+    local name pending
+    while read -r name pending; do
+        [[ $name != ShdPnd: ]] || break
+    done <"/proc/$1/status"
+    (((16#${pending: -1} & 1) != 0))
+}
+
 reconfigure() {
     configure "$@"
-    # The server looks at its signals before it accepts a connection.
-    kill -HUP "$(cat $kServerId)"
+    local server
+    server=$(<$kServerId)
+    kill -HUP "$server"
+    # A connection that comes before the server has woken up would be accepted
+    # first, with the old settings; once it has taken the signal, it reads the
+    # new ones before it looks at its sockets again.
+    local deadline=$((SECONDS + 10))
+    while hangup_pends "$server"; do
+        if ((SECONDS > deadline)); then
+            echo "samba.sh: smbd does not take its signal" >&2
+            exit 1
+        fi
+        sleep 0.01
+    done
 }
 
 case ${1:-} in
